@@ -1,0 +1,18 @@
+#ifndef VEKTKK_H
+#define VEKTKK_H
+
+// The whole public interface of libvektkk: records, identifiers, the plain
+// functions and the platform services the library relies on.
+
+#include "VekTkkExport.h"
+
+#include "Coordinate.h"
+#include "DataOraTkk.h"
+#include "GuidNomeFile.h"
+#include "GuidTkk.h"
+#include "tkkFlat.h"
+
+#include "platform/IStrConv.h"
+#include "platform/VekEvtContext.h"
+
+#endif  // VEKTKK_H

@@ -1,0 +1,45 @@
+#!/bin/sh
+# Installs, with apt, whatever the project needs that is not there yet.
+# Idempotent: when everything is present it only checks and returns.
+set -eu
+
+packages="
+  g++
+  make
+  cmake
+  pkg-config
+  binutils
+  locales
+  googletest
+  libgtest-dev
+  libbenchmark-dev
+  zlib1g-dev
+  libglib2.0-dev
+  syslog-ng-core
+  syslog-ng-dev
+"
+
+missing=""
+for p in $packages; do
+  status=$(dpkg-query -W -f='${Status}' "$p" 2>/dev/null || true)
+  case "$status" in
+    "install ok installed") ;;
+    *) missing="$missing $p" ;;
+  esac
+done
+
+[ -z "$missing" ] && exit 0
+
+if [ "$(id -u)" -eq 0 ]; then
+  as_root=""
+elif command -v sudo >/dev/null 2>&1; then
+  as_root="sudo"
+else
+  echo "install-deps: need root (or sudo) to install:$missing" >&2
+  exit 1
+fi
+
+echo "install-deps: installing$missing"
+$as_root apt-get update -q
+# shellcheck disable=SC2086
+DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -q --no-install-recommends $missing

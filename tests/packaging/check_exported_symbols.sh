@@ -1,0 +1,24 @@
+#!/bin/sh
+# The shared library exports its public interface and nothing of its
+# internals: the eight plain functions under their C names, no LogEvento.
+set -eu
+lib=$1
+symbols=$(nm -D --defined-only "$lib" | awk '{print $3}')
+fail=0
+for name in tkkIsTipoVek tkkIsDev tkkGenerateGuid tkkDecodeGuid tkkGenerateGuidNomeFile \
+            tkkDecodeGuidNomeFile tkkGetNomeFileFromGuid tkkGetGuidFromNomeFile \
+            c_fattore_conversione; do
+  if ! printf '%s\n' "$symbols" | grep -qx "$name"; then
+    echo "missing export: $name"; fail=1
+  fi
+done
+# Internals: the reporting function and anything of the internal namespace.
+leaked=$(printf '%s\n' "$symbols" | grep -E 'LogEvento|vektkk|Anonymous|_ZN12_GLOBAL__N' || true)
+if [ -n "$leaked" ]; then
+  echo "internal symbols exported:"; printf '%s\n' "$leaked"; fail=1
+fi
+soname=$(objdump -p "$lib" | awk '/SONAME/ {print $2}')
+if [ "$soname" != "libvektkk.so.1" ]; then
+  echo "SONAME is '$soname', expected libvektkk.so.1"; fail=1
+fi
+exit $fail

@@ -1,0 +1,34 @@
+#ifndef VEKTKK_TESTS_SUPPORT_EVTLOGRECORDER_H
+#define VEKTKK_TESTS_SUPPORT_EVTLOGRECORDER_H
+
+#include <string>
+#include <utility>
+#include <vector>
+
+// A recording stand-in for the four eventlog calls the library makes, linked
+// into unit-test executables in place of libevtlog. It also defines the
+// host's two globals (context and mutex), as a host does.
+namespace evtrec {
+
+struct Event {
+  int priority = -1;
+  std::string severity;  // the record's description
+  std::vector<std::pair<std::string, std::string>> tags;
+  bool mutexHeldAtInit = false;
+  bool logged = false;
+
+  // The text of the "msg" tag, or "" when there is none.
+  std::string Message() const;
+};
+
+// Forgets everything recorded; opens (non-null) or closes (null) the host's
+// context.
+void Reset(bool contextOpen = true);
+
+const std::vector<Event>& Events();
+// Names of the eventlog functions in the order they were called.
+const std::vector<std::string>& Calls();
+
+}  // namespace evtrec
+
+#endif  // VEKTKK_TESTS_SUPPORT_EVTLOGRECORDER_H

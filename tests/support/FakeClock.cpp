@@ -1,0 +1,109 @@
+#include "support/FakeClock.h"
+
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <deque>
+
+#include "platform/VekEvtContext.h"
+
+extern "C" {
+time_t __real_time(time_t* out);
+int __real_rand(void);
+int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
+int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
+}
+
+namespace fakeclock {
+namespace {
+
+bool g_frozen = false;
+time_t g_now = 0;
+long long g_subSecondMicros = 0;
+std::deque<int> g_rand;
+int g_usleepCalls = 0;
+long long g_usleepMicros = 0;
+
+// Calls on the host's event-log mutex; other mutexes pass straight through.
+int g_locks = 0;
+int g_unlocks = 0;
+
+bool Watched(const pthread_mutex_t* mutex) { return mutex == &vek_evtcontext_mutex; }
+
+}  // namespace
+
+void Freeze(time_t t) {
+  g_frozen = true;
+  g_now = t;
+  g_subSecondMicros = 0;
+}
+void Unfreeze() { g_frozen = false; }
+void QueueRand(std::initializer_list<int> values) { g_rand.insert(g_rand.end(), values); }
+int UsleepCalls() { return g_usleepCalls; }
+long long UsleepMicros() { return g_usleepMicros; }
+int EvtMutexLocks() { return g_locks; }
+int EvtMutexUnlocks() { return g_unlocks; }
+int EvtMutexDepth() { return g_locks - g_unlocks; }
+
+void Reset() {
+  g_frozen = false;
+  g_rand.clear();
+  g_usleepCalls = 0;
+  g_usleepMicros = 0;
+  g_locks = 0;
+  g_unlocks = 0;
+}
+
+time_t Utc(int year, int month, int day, int hour, int minute, int second) {
+  tm t = {};
+  t.tm_year = year - 1900;
+  t.tm_mon = month - 1;
+  t.tm_mday = day;
+  t.tm_hour = hour;
+  t.tm_min = minute;
+  t.tm_sec = second;
+  return timegm(&t);
+}
+
+}  // namespace fakeclock
+
+using namespace fakeclock;
+
+extern "C" {
+
+time_t __wrap_time(time_t* out) {
+  if (!g_frozen) return __real_time(out);
+  if (out != nullptr) *out = g_now;
+  return g_now;
+}
+
+int __wrap_rand(void) {
+  if (g_rand.empty()) return __real_rand();
+  const int value = g_rand.front();
+  g_rand.pop_front();
+  return value;
+}
+
+int __wrap_usleep(useconds_t micros) {
+  ++g_usleepCalls;
+  g_usleepMicros += micros;
+  if (g_frozen) {
+    g_subSecondMicros += micros;
+    g_now += static_cast<time_t>(g_subSecondMicros / 1000000);
+    g_subSecondMicros %= 1000000;
+  }
+  return 0;
+}
+
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
+  const int rc = __real_pthread_mutex_lock(mutex);
+  if (Watched(mutex)) ++g_locks;
+  return rc;
+}
+
+int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
+  if (Watched(mutex)) ++g_unlocks;
+  return __real_pthread_mutex_unlock(mutex);
+}
+
+}  // extern "C"
