@@ -4,7 +4,7 @@ include(CMakePackageConfigHelpers)
 
 set(VEKTKK_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/vektkk)
 
-install(TARGETS vektkk vekstrconv
+install(TARGETS vektkk vekstrconv vekatomtag
   EXPORT vektkkTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}

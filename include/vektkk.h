@@ -12,6 +12,8 @@
 #include "GuidTkk.h"
 #include "tkkFlat.h"
 
+#include "platform/IAtomTagDecoderBin.h"
+#include "platform/IAtomTagEncoderBin.h"
 #include "platform/IStrConv.h"
 #include "platform/VekEvtContext.h"
 
