@@ -6,10 +6,16 @@
 
 #include "VekTkkExport.h"
 
+#include "CFileTkk.h"
 #include "Coordinate.h"
 #include "DataOraTkk.h"
 #include "GuidNomeFile.h"
 #include "GuidTkk.h"
+#include "IFileTkk.h"
+#include "IVarianteTkk.h"
+#include "TrackFileEnums.h"
+#include "TrackFileRecords.h"
+#include "TrackMemoryRecords.h"
 #include "tkkFlat.h"
 
 #include "platform/IAtomTagDecoderBin.h"

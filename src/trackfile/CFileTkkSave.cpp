@@ -1,0 +1,132 @@
+// Saving a track file: the atoms in their fixed order, written atomically.
+#include <string.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <memory>
+#include <new>
+
+#include "CFileTkk.h"
+#include "GuidNomeFile.h"
+#include "TrackMemoryRecords.h"
+#include "foundation/DurableFile.h"
+#include "platform/IAtomTagEncoderBin.h"
+#include "trackfile/LogoFiles.h"
+#include "trackfile/TrackFileFormat.h"
+
+using namespace vektkk::tkk;
+
+namespace {
+
+constexpr useconds_t kAttesaNomeOccupato = 25000;  // 25 ms, as the name generator
+// Logos of this size or less are neither embedded nor written out.
+constexpr size_t kMinimoLogo = 9;
+// Characters of a logo's NomeFile kept as the extension of its own file.
+constexpr size_t kEstensioneLogo = 4;
+
+bool LogoDaSalvare(const SLogo* logo) {
+  return logo != nullptr && !logo->NomeFile.empty() && logo->Dati.size() > kMinimoLogo;
+}
+
+template <typename T>
+bool Aggiungi(IAtomTagEncoderBin& enc, std::vector<unsigned char>& out, const char* tag,
+              const std::vector<T>& items) {
+  const size_t bytes = items.size() * sizeof(T);
+  if (bytes > 0xFFFFFFFFu) return false;
+  return enc.append(out, tag, items.data(), static_cast<uint32_t>(bytes), 0);
+}
+
+std::string PercorsoTrack(const std::string& dir, const std::string& nome) {
+  return dir + nome + "." + kEstensione;
+}
+
+}  // namespace
+
+std::string CFileTkk::SalvaFileInPath(const std::string& dir, const std::string* nome) {
+  if (Escluso()) return "";
+  return nome != nullptr ? Salva(dir, *nome, false, false) : Salva(dir, "", true, false);
+}
+
+std::string CFileTkk::SalvaFileInPathLogoEsterno(const std::string& dir, const std::string& nome) {
+  if (Escluso()) return "";
+  return Salva(dir, nome, false, true);
+}
+
+bool CFileTkk::Componi(IAtomTagEncoderBin& enc, std::vector<unsigned char>& out,
+                       bool logoEsterno) const {
+  out.clear();
+  bool ok = enc.append(out, kTagFile, &TagInfoFile, kSizeFile, 0);
+  for (const STagsInfoVariante* v : TagsInfoVarianti) {
+    if (v == nullptr) continue;
+    // Indexes are written as they stand; nothing is renumbered.
+    ok = ok && enc.append(out, kTagVarianteFw, &v->InfoFw, kSizeVarianteFw, 0);
+    ok = ok && enc.append(out, kTagVarianteSw, &v->InfoSw, kSizeVarianteSw, 0);
+    ok = ok && enc.append(out, kTagIndici, &v->Indici, kSizeIndici, 0);
+  }
+  for (const SPuntiTracciato* p : PuntiTracciato) ok = ok && Aggiungi(enc, out, kTagPunti, p->Punti);
+  for (const SFondiStradali* f : FondiStradali) ok = ok && Aggiungi(enc, out, kTagFondi, f->Fondi);
+  if (!logoEsterno) {
+    // Logos left out here may leave IdxLogo values pointing past the written
+    // "lgo" atoms; readers skip such variants, and the writer keeps the
+    // indexes as they are.
+    for (const SLogo* l : Loghi)
+      if (LogoDaSalvare(l)) ok = ok && Aggiungi(enc, out, kTagLogo, vektkk::PayloadLogo(*l));
+  }
+  return ok;
+}
+
+void CFileTkk::ImpostaGuidNomeFile(const std::string& nome) {
+  memset(TagInfoFile.GuidNomeFile, 0, sizeof TagInfoFile.GuidNomeFile);
+  memcpy(TagInfoFile.GuidNomeFile, nome.data(), std::min(nome.size(), kLunghezzaNome));
+}
+
+std::string CFileTkk::Salva(const std::string& dir, const std::string& nome, bool nomeGenerato,
+                            bool logoEsterno) {
+  char guidPrecedente[sizeof TagInfoFile.GuidNomeFile];
+  memcpy(guidPrecedente, TagInfoFile.GuidNomeFile, sizeof guidPrecedente);
+  try {
+    std::unique_ptr<IAtomTagEncoderBin> enc(IAtomTagEncoderBin::CreateMe());
+    if (!enc) return "";
+
+    if (logoEsterno) {
+      // Each image goes to its own file; one that cannot be written is
+      // skipped and the track is still saved.
+      for (const SLogo* l : Loghi) {
+        if (!LogoDaSalvare(l)) continue;
+        const std::string& n = l->NomeFile;
+        const std::string ext = n.size() > kEstensioneLogo ? n.substr(n.size() - kEstensioneLogo) : n;
+        vektkk::ScriviFileAtomico(dir + nome + ext, l->Dati.data(), l->Dati.size());
+      }
+    }
+
+    std::vector<unsigned char> bytes;
+    if (!nomeGenerato) {
+      ImpostaGuidNomeFile(nome);
+      if (Componi(*enc, bytes, logoEsterno) &&
+          vektkk::ScriviFileAtomico(PercorsoTrack(dir, nome), bytes.data(), bytes.size()))
+        return nome;
+    } else {
+      // The name generator may repeat a name within one second: a generated
+      // name is used only once no file in `dir` has it, and claiming it is
+      // one step with creating the file, so no earlier track is replaced.
+      for (;;) {
+        const std::string generato = IGuidNomeFile::GetNomeFile(TrackIsReadOnly, DevTrack);
+        const std::string path = PercorsoTrack(dir, generato);
+        if (access(path.c_str(), F_OK) == 0) {
+          usleep(kAttesaNomeOccupato);
+          continue;
+        }
+        ImpostaGuidNomeFile(generato);
+        if (!Componi(*enc, bytes, logoEsterno)) break;
+        const vektkk::EsitoCreazione esito =
+            vektkk::CreaFileEsclusivo(path, bytes.data(), bytes.size());
+        if (esito == vektkk::EsitoCreazione::Creato) return generato;
+        if (esito == vektkk::EsitoCreazione::Errore) break;
+        usleep(kAttesaNomeOccupato);
+      }
+    }
+  } catch (const std::bad_alloc&) {
+  }
+  memcpy(TagInfoFile.GuidNomeFile, guidPrecedente, sizeof guidPrecedente);
+  return "";
+}

@@ -1,0 +1,72 @@
+#include "trackfile/LogoFiles.h"
+
+#include <string.h>
+#include <unistd.h>
+
+#include "foundation/DurableFile.h"
+#include "platform/IStrConv.h"
+
+namespace vektkk {
+namespace {
+
+// A track path ends in the 8-character name, a dot and "tkk": 12 characters.
+constexpr size_t kCodaNomeTrack = 12;
+// Images this short are not worth a file of their own.
+constexpr size_t kMinimoImmagineSuDisco = 5;
+
+bool Esiste(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
+
+void ScriviImmagine(const SLogo& logo, const std::string& cartella, const std::string& base,
+                    const std::string& estensione, bool nuovoNomeLogo) {
+  const EsitoCreazione esito =
+      CreaFileEsclusivo(logo.NomeFile, logo.Dati.data(), logo.Dati.size());
+  if (esito != EsitoCreazione::GiaEsistente || !nuovoNomeLogo) return;
+  for (unsigned long n = 1;; ++n) {
+    const std::string numerato = cartella + base + std::to_string(n) + estensione;
+    if (Esiste(numerato)) continue;
+    const EsitoCreazione e = CreaFileEsclusivo(numerato, logo.Dati.data(), logo.Dati.size());
+    if (e != EsitoCreazione::GiaEsistente) return;
+  }
+}
+
+}  // namespace
+
+std::string NomeSenzaCartella(const std::string& path) {
+  const size_t sep = path.find_last_of("/\\");
+  return sep == std::string::npos ? path : path.substr(sep + 1);
+}
+
+SLogo* LogoDaAtomo(const unsigned char* dati, uint32_t dim, const std::string& trackPath,
+                   bool nuovoNomeLogo) {
+  auto* logo = new SLogo;
+  const unsigned char* zero =
+      dim == 0 ? nullptr : static_cast<const unsigned char*>(memchr(dati, 0, dim));
+  const size_t lunghezzaNome = zero == nullptr ? dim : static_cast<size_t>(zero - dati);
+  const std::string nome(reinterpret_cast<const char*>(dati), lunghezzaNome);
+  if (zero != nullptr) logo->Dati.assign(zero + 1, dati + dim);
+
+  // Base and extension are converted separately; with no dot the whole name
+  // counts as the extension.
+  const size_t punto = nome.find_last_of('.');
+  const std::string base =
+      punto == std::string::npos ? std::string() : IStrConv::convert_utf8_to_stringa(nome.substr(0, punto));
+  const std::string estensione = IStrConv::convert_utf8_to_stringa(
+      punto == std::string::npos ? nome : nome.substr(punto));
+  const std::string cartella =
+      trackPath.size() > kCodaNomeTrack ? trackPath.substr(0, trackPath.size() - kCodaNomeTrack)
+                                        : std::string();
+  logo->NomeFile = cartella + base + estensione;
+  if (logo->Dati.size() > kMinimoImmagineSuDisco)
+    ScriviImmagine(*logo, cartella, base, estensione, nuovoNomeLogo);
+  return logo;
+}
+
+std::vector<unsigned char> PayloadLogo(const SLogo& logo) {
+  const std::string nome = IStrConv::convert_stringa_to_utf8(NomeSenzaCartella(logo.NomeFile));
+  std::vector<unsigned char> payload(nome.begin(), nome.end());
+  payload.push_back(0);
+  payload.insert(payload.end(), logo.Dati.begin(), logo.Dati.end());
+  return payload;
+}
+
+}  // namespace vektkk

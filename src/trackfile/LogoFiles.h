@@ -1,0 +1,32 @@
+#ifndef VEKTKK_SRC_TRACKFILE_LOGOFILES_H
+#define VEKTKK_SRC_TRACKFILE_LOGOFILES_H
+
+#include <stdint.h>
+
+#include <string>
+#include <vector>
+
+#include "TrackMemoryRecords.h"
+
+// Logos of a track file: embedded as "lgo" atoms (file name, a zero byte,
+// the image) and kept as image files beside the track file.
+namespace vektkk {
+
+// Builds the logo of one "lgo" payload read from the track file at
+// `trackPath`, and writes its image beside the track file when it has more
+// than 5 bytes: under its own name when no such file exists yet, or, with
+// `nuovoNomeLogo`, under the first free numbered name (base + n +
+// extension). The logo's NomeFile keeps the name without a number.
+SLogo* LogoDaAtomo(const unsigned char* dati, uint32_t dim, const std::string& trackPath,
+                   bool nuovoNomeLogo);
+
+// The "lgo" payload of a logo: the file-name part of its NomeFile in UTF-8,
+// a zero byte, then the image.
+std::vector<unsigned char> PayloadLogo(const SLogo& logo);
+
+// The file-name part of a path: what follows the last "/" or "\\".
+std::string NomeSenzaCartella(const std::string& path);
+
+}  // namespace vektkk
+
+#endif  // VEKTKK_SRC_TRACKFILE_LOGOFILES_H

@@ -1,0 +1,3 @@
+#include "IVarianteTkk.h"
+
+IVarianteTkk::~IVarianteTkk() = default;
