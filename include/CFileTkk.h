@@ -54,6 +54,7 @@ class VEKTKK_API CFileTkk : public IFileTkk {
 
   // IFileTkk
   int32_t GetIdxMainVariante() const override;
+  void SetTagInfoFile(const std::string& name, const _STagInfoFileTKK& info) override;
   const _STagInfoFileTKK& GetTagInfoFile() const override;
   uint16_t AddTagDatiPlus(const STagDatiPlus& plus) override;
   uint16_t AddDatiFondoStradale(const std::vector<_eTipoRoadSurfaceTkk>& fondi) override;

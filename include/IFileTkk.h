@@ -31,6 +31,9 @@ class VEKTKK_API IFileTkk : public IVarianteTkk {
 
   // The IdxMainVariante field of the file info record.
   virtual int32_t GetIdxMainVariante() const = 0;
+  // Copies `info` over the file info record; a non-empty `name` (local
+  // character set) then replaces the site name it carried.
+  virtual void SetTagInfoFile(const std::string& name, const _STagInfoFileTKK& info) = 0;
   // The file info record.
   virtual const _STagInfoFileTKK& GetTagInfoFile() const = 0;
 

@@ -6,6 +6,8 @@
 #include <new>
 
 #include "TrackMemoryRecords.h"
+#include "platform/IStrConv.h"
+#include "trackfile/TextFields.h"
 #include "trackfile/TrackFileFormat.h"
 
 using vektkk::tkk::kLunghezzaNome;
@@ -108,6 +110,13 @@ bool CFileTkk::IsGood() const {
 }
 
 int32_t CFileTkk::GetIdxMainVariante() const { return TagInfoFile.IdxMainVariante; }
+
+void CFileTkk::SetTagInfoFile(const std::string& name, const _STagInfoFileTKK& info) {
+  TagInfoFile = info;
+  if (!name.empty())
+    vektkk::CopiaCampo(TagInfoFile.NamexSito, sizeof TagInfoFile.NamexSito,
+                       IStrConv::convert_stringa_to_utf8(name));
+}
 
 const _STagInfoFileTKK& CFileTkk::GetTagInfoFile() const { return TagInfoFile; }
 

@@ -2,7 +2,6 @@
 // variant's _STagIndexesVarianteTKK must carry to use what was added.
 #include <string.h>
 
-#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -11,9 +10,11 @@
 #include "TrackMemoryRecords.h"
 #include "foundation/LogEvento.h"
 #include "platform/IStrConv.h"
+#include "trackfile/TextFields.h"
 #include "trackfile/TrackFileFormat.h"
 
 using namespace vektkk::tkk;
+using vektkk::CopiaCampo;
 
 namespace {
 
@@ -34,13 +35,6 @@ bool IndiceValido(uint16_t idx, const std::vector<T*>& list) {
 template <typename T>
 T* Elemento(const std::vector<T*>& list, uint16_t idx) {
   return idx == kNessunIndice ? nullptr : list[idx];
-}
-
-// Zero-fills the field and copies at most its size: a full field has no
-// terminator.
-void CopiaCampo(char* campo, size_t dimensione, const std::string& testo) {
-  memset(campo, 0, dimensione);
-  memcpy(campo, testo.data(), std::min(dimensione, testo.size()));
 }
 
 }  // namespace
