@@ -10,7 +10,9 @@
  * mutex whenever it likes; it may clear it again under the mutex. The library
  * references both weakly: a host that defines neither gets no records and
  * otherwise the same results. A host that defines the mutex must define the
- * context as well. */
+ * context as well. The library looks both up in the executable's dynamic
+ * symbol table: a host built with hidden visibility exports them
+ * explicitly. */
 
 #include <pthread.h>
 

@@ -2,19 +2,38 @@
 // vek_evtcontext nor vek_evtcontext_mutex. The library still loads, and
 // every operation gives its usual result without a record.
 #include <gtest/gtest.h>
+#include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 
-#include "DataOraTkk.h"
-#include "GuidNomeFile.h"
-#include "GuidTkk.h"
-#include "foundation/LogEvento.h"
+#include <memory>
+
+#include <vektkk.h>
 
 namespace {
 
-TEST(NoGlobalsHost, ReportingIsANoOp) {
-  LogEvento(kError.Priorita, kError.Parola, "Can't open file %s", "/nowhere");
-  LogEvento(kAlert.Priorita, kAlert.Parola, "Excluded, hence skipping!");
-  SUCCEED();
+TEST(NoGlobalsHost, ReportingOperationsKeepTheirResults) {
+  std::unique_ptr<IFileTkk> missing(IFileTkk::CreateMeUponFile("/nowhere/0k3f9zq1.tkk", false, false));
+  ASSERT_TRUE(missing);
+  EXPECT_FALSE(missing->IsGood());
+  EXPECT_FALSE(missing->LeggiFile("/nowhere/x.tkk", false));
+
+  char dir[] = "/tmp/vektkk-noglobals-XXXXXX";
+  ASSERT_NE(mkdtemp(dir), nullptr);
+  std::unique_ptr<IFileTkk> built(IFileTkk::CreateMe(false, false));
+  _STagInfoVarianteTKK_fw fw;
+  memset(fw.NationCode, 0, 8);
+  ASSERT_TRUE(built->AddTagInfoVariante("GP", "Monza", fw, _STagIndexesVarianteTKK()));
+  const std::string name = built->SalvaFileInPath(std::string(dir) + "/", nullptr);
+  ASSERT_EQ(name.size(), 8u);
+  const std::string path = std::string(dir) + "/" + name + ".tkk";
+
+  std::unique_ptr<IFileTkk> readOnly(IFileTkk::CreateMeUponFile(path, true, false));
+  EXPECT_TRUE(readOnly->IsGood());
+  EXPECT_EQ(readOnly->AddTagDatiLogo({1, 2, 3}, "a.png"), 0xFFFF);  // refused, reported nowhere
+  EXPECT_EQ(readOnly->SalvaFileInPath(std::string(dir) + "/", nullptr), "");
+  unlink(path.c_str());
+  rmdir(dir);
 }
 
 TEST(NoGlobalsHost, IdentifiersStillWork) {
