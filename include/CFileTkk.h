@@ -96,6 +96,8 @@ class VEKTKK_API CFileTkk : public IFileTkk {
   // The whole file as bytes, in the order readers expect.
   bool Componi(IAtomTagEncoderBin& enc, std::vector<unsigned char>& out, bool logoEsterno) const;
   void ImpostaGuidNomeFile(const std::string& nome);
+  // Bytes the saved file will take, to size the output once.
+  size_t DimensioneFile(bool logoEsterno) const;
 
   bool TrackIsReadOnly;
   bool DevTrack;

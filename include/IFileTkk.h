@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Coordinate.h"
 #include "GuidTkk.h"
 #include "IVarianteTkk.h"
 #include "TrackFileRecords.h"

@@ -10,6 +10,7 @@
 #include "GuidNomeFile.h"
 #include "TrackMemoryRecords.h"
 #include "foundation/DurableFile.h"
+#include "platform/IAtomTagDecoderBin.h"
 #include "platform/IAtomTagEncoderBin.h"
 #include "trackfile/LogoFiles.h"
 #include "trackfile/TrackFileFormat.h"
@@ -55,6 +56,7 @@ std::string CFileTkk::SalvaFileInPathLogoEsterno(const std::string& dir, const s
 bool CFileTkk::Componi(IAtomTagEncoderBin& enc, std::vector<unsigned char>& out,
                        bool logoEsterno) const {
   out.clear();
+  out.reserve(DimensioneFile(logoEsterno));
   bool ok = enc.append(out, kTagFile, &TagInfoFile, kSizeFile, 0);
   for (const STagsInfoVariante* v : TagsInfoVarianti) {
     if (v == nullptr) continue;
@@ -75,6 +77,20 @@ bool CFileTkk::Componi(IAtomTagEncoderBin& enc, std::vector<unsigned char>& out,
   return ok;
 }
 
+size_t CFileTkk::DimensioneFile(bool logoEsterno) const {
+  const size_t atomo = IAtomTagDecoderBin::GetSizeHeader() + IAtomTagDecoderBin::GetSizeFooter();
+  size_t totale = atomo + kSizeFile;
+  for (const STagsInfoVariante* v : TagsInfoVarianti)
+    if (v != nullptr) totale += 3 * atomo + kSizeVarianteFw + kSizeVarianteSw + kSizeIndici;
+  for (const SPuntiTracciato* p : PuntiTracciato) totale += atomo + p->Punti.size() * kSizePunto;
+  for (const SFondiStradali* f : FondiStradali) totale += atomo + f->Fondi.size() * kSizeFondo;
+  if (!logoEsterno) {
+    for (const SLogo* l : Loghi)
+      if (LogoDaSalvare(l)) totale += atomo + l->NomeFile.size() + 1 + l->Dati.size();
+  }
+  return totale;
+}
+
 void CFileTkk::ImpostaGuidNomeFile(const std::string& nome) {
   memset(TagInfoFile.GuidNomeFile, 0, sizeof TagInfoFile.GuidNomeFile);
   memcpy(TagInfoFile.GuidNomeFile, nome.data(), std::min(nome.size(), kLunghezzaNome));
@@ -88,23 +104,26 @@ std::string CFileTkk::Salva(const std::string& dir, const std::string& nome, boo
     std::unique_ptr<IAtomTagEncoderBin> enc(IAtomTagEncoderBin::CreateMe());
     if (!enc) return "";
 
-    if (logoEsterno) {
-      // Each image goes to its own file; one that cannot be written is
-      // skipped and the track is still saved.
-      for (const SLogo* l : Loghi) {
-        if (!LogoDaSalvare(l)) continue;
-        const std::string& n = l->NomeFile;
-        const std::string ext = n.size() > kEstensioneLogo ? n.substr(n.size() - kEstensioneLogo) : n;
-        vektkk::ScriviFileAtomico(dir + nome + ext, l->Dati.data(), l->Dati.size());
-      }
-    }
-
     std::vector<unsigned char> bytes;
     if (!nomeGenerato) {
       ImpostaGuidNomeFile(nome);
       if (Componi(*enc, bytes, logoEsterno) &&
-          vektkk::ScriviFileAtomico(PercorsoTrack(dir, nome), bytes.data(), bytes.size()))
+          vektkk::ScriviFileAtomico(PercorsoTrack(dir, nome), bytes.data(), bytes.size())) {
+        // The images follow the track, so a save that fails leaves the old
+        // images too. Each goes to dir + nome + the last 4 characters of its
+        // name (two logos of one extension share the file); one that cannot
+        // be written is skipped and the save still succeeds.
+        if (logoEsterno) {
+          for (const SLogo* l : Loghi) {
+            if (!LogoDaSalvare(l)) continue;
+            const std::string& n = l->NomeFile;
+            const std::string ext =
+                n.size() > kEstensioneLogo ? n.substr(n.size() - kEstensioneLogo) : n;
+            vektkk::ScriviFileAtomico(dir + nome + ext, l->Dati.data(), l->Dati.size());
+          }
+        }
         return nome;
+      }
     } else {
       // The name generator may repeat a name within one second: a generated
       // name is used only once no file in `dir` has it, and claiming it is

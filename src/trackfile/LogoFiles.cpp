@@ -16,11 +16,22 @@ constexpr size_t kMinimoImmagineSuDisco = 5;
 
 bool Esiste(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
+bool NomeSicuro(const std::string& nome) {
+  return !nome.empty() && nome != "." && nome != ".." &&
+         nome.find_first_of("/\\") == std::string::npos;
+}
+
 void ScriviImmagine(const SLogo& logo, const std::string& cartella, const std::string& base,
                     const std::string& estensione, bool nuovoNomeLogo) {
-  const EsitoCreazione esito =
-      CreaFileEsclusivo(logo.NomeFile, logo.Dati.data(), logo.Dati.size());
-  if (esito != EsitoCreazione::GiaEsistente || !nuovoNomeLogo) return;
+  // Most reads find the image already there: look before writing a copy
+  // that would only be thrown away. Creating stays exclusive for the race.
+  if (Esiste(logo.NomeFile)) {
+    if (!nuovoNomeLogo) return;
+  } else {
+    const EsitoCreazione esito =
+        CreaFileEsclusivo(logo.NomeFile, logo.Dati.data(), logo.Dati.size());
+    if (esito != EsitoCreazione::GiaEsistente || !nuovoNomeLogo) return;
+  }
   for (unsigned long n = 1;; ++n) {
     const std::string numerato = cartella + base + std::to_string(n) + estensione;
     if (Esiste(numerato)) continue;
@@ -56,7 +67,9 @@ SLogo* LogoDaAtomo(const unsigned char* dati, uint32_t dim, const std::string& t
       trackPath.size() > kCodaNomeTrack ? trackPath.substr(0, trackPath.size() - kCodaNomeTrack)
                                         : std::string();
   logo->NomeFile = cartella + base + estensione;
-  if (logo->Dati.size() > kMinimoImmagineSuDisco)
+  // The stored name is a bare file name; one that would lead out of the
+  // track's directory is kept in memory but never written to.
+  if (logo->Dati.size() > kMinimoImmagineSuDisco && NomeSicuro(nome))
     ScriviImmagine(*logo, cartella, base, estensione, nuovoNomeLogo);
   return logo;
 }

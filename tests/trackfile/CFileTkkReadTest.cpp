@@ -252,12 +252,24 @@ TEST_F(ReadTest, LogosAreLoadedAndWrittenBesideTheTrack) {
   EXPECT_EQ(*track->GetTrackLogo(), dir_.path() + "badge.png");
 }
 
-TEST_F(ReadTest, ShortImagesStayInMemoryOnly) {
-  const std::string path =
-      Write(FileBuilder().Info().Logo("tiny.png", {1, 2, 3, 4, 5}).Fw().Idx(0xFFFF, 0).bytes());
-  std::unique_ptr<CFileTkk> track = Open(path);
-  EXPECT_EQ(track->GetTrackLogoBuffer()->Dati.size(), 5u);
-  EXPECT_EQ(access((dir_.path() + "tiny.png").c_str(), F_OK), -1);
+TEST_F(ReadTest, SomeImagesStayInMemoryOnly) {
+  struct Case {
+    const char* name;
+    Bytes image;
+    const char* wouldBe;  // relative to the test directory
+  };
+  const Case cases[] = {
+      {"tiny.png", {1, 2, 3, 4, 5}, "tiny.png"},          // too short for a file
+      {"../escaped.png", Bytes(20, 7), "../escaped.png"},  // would leave the directory
+  };
+  for (const Case& c : cases) {
+    const std::string path =
+        Write(FileBuilder().Info().Logo(c.name, c.image).Fw().Idx(0xFFFF, 0).bytes());
+    std::unique_ptr<CFileTkk> track = Open(path);
+    EXPECT_TRUE(track->IsGood());
+    EXPECT_EQ(track->GetTrackLogoBuffer()->Dati, c.image);
+    EXPECT_EQ(access((dir_.path() + c.wouldBe).c_str(), F_OK), -1) << c.name;
+  }
 }
 
 TEST_F(ReadTest, WithoutLogosTheLogoIndexIsNotChecked) {
