@@ -29,7 +29,8 @@ enum class EsitoLettura { Ok, NonApribile, Vuoto, Memoria };
 constexpr uint64_t kDimensioneMassima = 0xFFFFFFFFu;
 
 // The whole file in one buffer; its size is reported even when empty.
-EsitoLettura LeggiTutto(const std::string& path, std::vector<unsigned char>& buffer,
+// The buffer is not zero-filled first: every byte is read over.
+EsitoLettura LeggiTutto(const std::string& path, std::unique_ptr<unsigned char[]>& buffer,
                         uint64_t& size) {
   size = 0;
   const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -50,15 +51,16 @@ EsitoLettura LeggiTutto(const std::string& path, std::vector<unsigned char>& buf
   }
   EsitoLettura esito = EsitoLettura::Ok;
   try {
-    buffer.resize(static_cast<size_t>(size));
+    const size_t totale = static_cast<size_t>(size);
+    buffer.reset(new unsigned char[totale]);
     size_t letti = 0;
-    while (letti < buffer.size()) {
-      const ssize_t n = read(fd, buffer.data() + letti, buffer.size() - letti);
+    while (letti < totale) {
+      const ssize_t n = read(fd, buffer.get() + letti, totale - letti);
       if (n < 0 && errno == EINTR) continue;
       if (n <= 0) break;
       letti += static_cast<size_t>(n);
     }
-    if (letti != buffer.size()) esito = EsitoLettura::NonApribile;
+    if (letti != totale) esito = EsitoLettura::NonApribile;
   } catch (const std::bad_alloc&) {
     esito = EsitoLettura::Memoria;
   }
@@ -85,7 +87,7 @@ T* Elemento(const std::vector<T*>& list, uint16_t idx) {
 bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
   try {
     Svuota();
-    std::vector<unsigned char> buffer;
+    std::unique_ptr<unsigned char[]> buffer;
     uint64_t size = 0;
     const EsitoLettura esito = LeggiTutto(path, buffer, size);
     DimTkk = static_cast<uint32_t>(size);
@@ -120,7 +122,7 @@ bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
       return false;
     }
     std::vector<SAtomTag> atoms;
-    const bool decodificato = decoder->decode(buffer.data(), buffer.size(), atoms);
+    const bool decodificato = decoder->decode(buffer.get(), static_cast<size_t>(size), atoms);
     decoder.reset();
 
     size_t nFile = 0, nFw = 0, nIdx = 0;

@@ -2,6 +2,7 @@
 #include <string.h>
 
 #include "GuidTkk.h"
+#include "tkkFlat.h"
 #include "support/FakeClock.h"
 
 namespace {
@@ -15,45 +16,32 @@ class GuidTkkTest : public ::testing::Test {
   void TearDown() override { fakeclock::Reset(); }
 };
 
-TEST_F(GuidTkkTest, FlagsAndTimeDecodeBack) {
-  struct Case {
-    bool isVek, isDev;
-    bool bit47, bit48, IsVek, IsDev;
+// The generator packs the current second and the flags as the plain
+// function does (its layout is tested there); IsDev reads the type flag, so
+// a development GUID of the maker's type answers false and only the decoder
+// sees the development flag.
+TEST_F(GuidTkkTest, FlagsAndTimeOfTheCurrentSecond) {
+  const bool flags[][4] = {
+      // isVek, isDev, IsVek(), IsDev()
+      {true, false, true, false},
+      {false, true, false, true},
+      {true, true, true, false},
   };
-  const Case cases[] = {
-      {true, false, false, false, true, false},
-      {false, true, true, true, false, true},
-      // IsDev reads the type flag: a development GUID of the maker's type
-      // answers false, only the decoder sees the development flag.
-      {true, true, false, true, true, false},
-  };
-  for (const auto& c : cases) {
-    const _UGuidTkk g = IGuidTkk::GetGuidTkk(c.isVek, c.isDev);
-    EXPECT_EQ(((g.Valore >> 47) & 1) != 0, c.bit47);
-    EXPECT_EQ(((g.Valore >> 48) & 1) != 0, c.bit48);
-    EXPECT_EQ(g.Byte[6] & 0xFE, 0);
-    EXPECT_EQ(g.Byte[7], 0);
-    EXPECT_EQ(IGuidTkk::IsVek(g), c.IsVek);
-    EXPECT_EQ(IGuidTkk::IsDev(g), c.IsDev);
-
+  const time_t now = fakeclock::Utc(2024, 3, 5, 12, 34, 56);
+  for (const auto& f : flags) {
+    fakeclock::QueueRand({0x4321});
+    const _UGuidTkk g = IGuidTkk::GetGuidTkk(f[0], f[1]);
+    _UGuidTkk expected;
     tm t;
-    memset(&t, 0, sizeof t);
-    t.tm_wday = 3;
-    t.tm_yday = 99;
-    t.tm_isdst = 1;
-    bool isVek = !c.isVek, isDev = !c.isDev;
+    gmtime_r(&now, &t);
+    tkkGenerateGuid(expected.Byte, f[0], f[1], &t, 0x4321);
+    EXPECT_EQ(g.Valore, expected.Valore);
+    EXPECT_EQ(IGuidTkk::IsVek(g), f[2]);
+    EXPECT_EQ(IGuidTkk::IsDev(g), f[3]);
+    bool isVek = !f[0], isDev = !f[1];
     EXPECT_TRUE(IGuidTkk::GetDaGuidTkk(g, t, isVek, isDev));
-    EXPECT_EQ(isVek, c.isVek);
-    EXPECT_EQ(isDev, c.isDev);
-    EXPECT_EQ(t.tm_year, 124);
-    EXPECT_EQ(t.tm_mon, 2);
-    EXPECT_EQ(t.tm_mday, 5);
-    EXPECT_EQ(t.tm_hour, 12);
-    EXPECT_EQ(t.tm_min, 34);
-    EXPECT_EQ(t.tm_sec, 56);
-    EXPECT_EQ(t.tm_wday, 3);
-    EXPECT_EQ(t.tm_yday, 99);
-    EXPECT_EQ(t.tm_isdst, 1);
+    EXPECT_EQ(isVek, f[0]);
+    EXPECT_EQ(isDev, f[1]);
   }
 }
 
@@ -98,20 +86,6 @@ TEST_F(GuidTkkTest, ATakenNumberWaitsUntilTheNextSecond) {
   IGuidTkk::GetDaGuidTkk(second, t, isVek, isDev);
   EXPECT_EQ(t.tm_sec, 57);
   EXPECT_EQ(second.Valore & 0xFFFF, 7u);
-}
-
-TEST(GuidTkk, ZeroGuidDecodesToStartOf2015) {
-  _UGuidTkk zero;
-  EXPECT_EQ(zero.Valore, 0u);
-  tm t;
-  memset(&t, 0, sizeof t);
-  bool isVek = false, isDev = true;
-  EXPECT_TRUE(IGuidTkk::GetDaGuidTkk(zero, t, isVek, isDev));
-  EXPECT_TRUE(isVek);
-  EXPECT_FALSE(isDev);
-  EXPECT_EQ(t.tm_year, 115);
-  EXPECT_EQ(t.tm_mon, 0);
-  EXPECT_EQ(t.tm_mday, 1);
 }
 
 }  // namespace
