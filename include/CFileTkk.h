@@ -37,23 +37,85 @@ class VEKTKK_API CFileTkk : public IFileTkk {
   CFileTkk(const CFileTkk&) = delete;
   CFileTkk& operator=(const CFileTkk&) = delete;
 
-  // IVarianteTkk
+  // IVarianteTkk: the file answers for its main variant.
   STagsInfoVariante* GetTagInfo() override;
+  std::string GetNomePista() const override;
+  // Site name, then a blank and the main variant's device name when there
+  // is one.
+  std::string GetTrackNameCompleto() const override;
   bool IsTrashed() const override;
+  void GetDateTimeTMModifica(tm& when) const override;
+  // The comment of the file's first additional-text record.
+  const std::string& GetTrackComment() const override;
+  void SetTrackComment(const std::string& comment) override;
+  std::string GetNationCode() const override;
+  std::string GetSubNationCode() const override;
+  std::string GetCitta() const override;
+  bool GetAuto() const override;
+  bool GetKart() const override;
+  bool GetMoto() const override;
+  _eTipoTracciatoTkk GetTrackTypeCircuitKey() const override;
+  void SetTrackTypeCircuitKey(const _eTipoTracciatoTkk& key) override;
+  _eTipoRoadSurfaceTkk GetFondoStradaleKey() const override;
+  // Replaces the first entry of the main variant's road-surface list; with
+  // no such entry, adds a variant first and appends the key.
+  void SetFondoStradaleKey(const _eTipoRoadSurfaceTkk& key) override;
   bool GetTrackIsReadOnly() const override;
+  std::string GetStringaVarianti() const override;
+  std::string GetNamexSito() const override;
+  std::string OttieniStringaxTrackTypeCircuitKey() const override;
+  std::string OttieniStringaxFondoStradaleKey() const override;
+  std::string OttieniStringaxLunghezzaKey() const override;
+  std::string GetTrackAddress() const override;
+  void SetTrackAddress(const std::string& text) override;
+  std::string GetTrackTelephone() const override;
+  void SetTrackTelephone(const std::string& text) override;
+  std::string GetTrackURL() const override;
+  void SetTrackURL(const std::string& text) override;
+  std::string GetTrackPostalCode() const override;
+  void SetTrackPostalCode(const std::string& text) override;
+  unsigned int GetLarghezzaPista() const override;
+  void SetLarghezzaPista(unsigned int width) override;
   const std::string* GetTrackLogo() const override;
   SLogo* GetTrackLogoBuffer() const override;
   // Loads the image at `path` as the main variant's logo, creating the logo
   // record when the main variant has none. Nothing happens without a variant
   // or when logos are not loaded.
   void SetTrackLogo(const std::string& path) override;
+  float GetTrackLenght() const override;
+  _eTipoLunghezzaPista GetTrackLenghtKey() const override;
+  void SetTrackLenght(const _eTipoLunghezzaPista* key, const float* metres) override;
+  float GetTrackAnglePlot() const override;
+  void SetTrackAnglePlot(const float& angle) override;
+  bool IsTrackChiuso() const override;
   short GetIdxVariante() const override;
+  void AggiornaDataModifica(const tm& when) override;
+  bool IsTrackObsoleta() const override;
+  unsigned int GetLineeSplitLLH(const _SDatoCoordinateBeacon*& lines,
+                                _eTipoBeaconDaUsare type) const override;
+  void SetLineeSplitLLH(unsigned int idx, const _SDatoCoordinateBeacon& line,
+                        _eTipoBeaconDaUsare type) override;
+  void ClearLineaSplitLLH(unsigned int idx, _eTipoBeaconDaUsare type) override;
+  const std::string& GetTrackNomignolo() const override;
+  bool GetTrackTimeZone(int& zone, int& deltaMin) const override;
+  std::string GetNomeXDevice() const override;
+  void SetNomeXDevice(const std::string& name) override;
   bool IsGood() const override;
   bool IsVekTrack() const override;
   bool IsDevTrack() const override;
+  bool IsUserCreatedNewTrack() const override;
+  std::string GetGuidNomeFile() const override;
+  std::string GetNomeFileDaFileSystem() const override;
 
   // IFileTkk
+  const std::vector<IVarianteTkk*>& GetVariantiTrack() const override;
+  bool IsOpenTrack(_eTipoTracciatoTkk type) const override;
+  bool HasShape() const override;
   int32_t GetIdxMainVariante() const override;
+  void SetNationCode(const std::string& code) override;
+  void SetNamexSito(const std::string& name) override;
+  void SetSubNationCode(const std::string& code) override;
+  void SetCitta(const std::string& city) override;
   void SetTagInfoFile(const std::string& name, const _STagInfoFileTKK& info) override;
   const _STagInfoFileTKK& GetTagInfoFile() const override;
   uint16_t AddTagDatiPlus(const STagDatiPlus& plus) override;
@@ -72,6 +134,23 @@ class VEKTKK_API CFileTkk : public IFileTkk {
   std::string SalvaFileInPathLogoEsterno(const std::string& dir, const std::string& nome) override;
   uint32_t GetDimTkk() const override;
   void AssegnaPtrPunti() override;
+  void RemoveShape() override;
+  bool AssignTrackLength() override;
+  bool TrasformaPistaUtenteInVek(const std::string& path, _eTipoBeaconDaUsare type) override;
+  bool TrasformaSetDiBeacon(_eTipoBeaconDaUsare type) override;
+  void TrasformaPistaInVek() override;
+  void SetBaricentro(const double& lat, const double& lon) override;
+  bool IsVekTrackWithCorrectBeaconType(std::string& msg) const override;
+  int GetTimeZone() const override;
+  int GetDeltaMin() const override;
+  void SetTimezone(const int& zone) override;
+  void SetDeltaMin(const int& minutes) override;
+  void GetStrBeaconType(std::string& text) const override;
+  bool CanUseBeaconTypeMagnetic() const override;
+  bool AreEqualBeacons(_eTipoBeaconDaUsare type, std::string& msg) const override;
+  bool AreCoherentBeacons(std::string& msg) const override;
+  bool BaricentroCoerente(std::string& msg) const override;
+  void GetStrBeaconType(std::string& text, _eTipoBeaconDaUsare type) const override;
 
   // Frees all variant records, additional texts, road-surface lists, shapes
   // and logos and sets the size to 0; file info, flags and file-system name
@@ -91,6 +170,9 @@ class VEKTKK_API CFileTkk : public IFileTkk {
  private:
   // True (after reporting) when the object may not be changed or saved.
   bool Escluso() const;
+  // The main variant, or null when there is none.
+  STagsInfoVariante* Main() const;
+  STagDatiPlus* MainPlus() const;
   std::string Salva(const std::string& dir, const std::string& nome, bool nomeGenerato,
                     bool logoEsterno);
   // The whole file as bytes, in the order readers expect.

@@ -49,6 +49,22 @@ struct VEKTKK_API _SInfoBeacons {
 
   // Type 1 in use, everything else zero.
   _SInfoBeacons();
+
+  // Type 5 stands for the type in use; a type that then is not 1 to 4
+  // addresses no set (null lines, count 0, width 0, writes ignored).
+
+  // Points `lines` at the 6 entries of the set and counts the used ones up
+  // to the first that is not used.
+  unsigned int GetLineeSplitLLH(const _SDatoCoordinateBeacon*& lines,
+                                _eTipoBeaconDaUsare type) const;
+  unsigned int GetNumeroSplit(_eTipoBeaconDaUsare type) const;
+  // Copies the whole entry, width included, to position `idx` (below 6).
+  void SetLineeSplitLLH(unsigned int idx, const _SDatoCoordinateBeacon& line,
+                        _eTipoBeaconDaUsare type);
+  void ClearLineaSplitLLH(unsigned int idx, _eTipoBeaconDaUsare type);
+  // The track width of a set: the width of its entry 0.
+  unsigned int GetLarghezzaPista(_eTipoBeaconDaUsare type) const;
+  void SetLarghezzaPista(unsigned int width, _eTipoBeaconDaUsare type);
 };
 
 // 32 bits of variant flags.
@@ -81,6 +97,11 @@ struct VEKTKK_API _STagInfoVarianteTKK_fw {
   // Zeroes everything but the nation and sub-nation codes, which are left as
   // they happen to be (fill them before saving); TimeZone 50, TipoTracciato 1.
   _STagInfoVarianteTKK_fw();
+
+  // Sets both length fields. A valid standard key (either pointer may be
+  // null) is stored with its length in whole metres and `metres` is
+  // ignored; otherwise the key is 0 and the length that of `metres`, or 0.
+  void ImpostaLunghezzaPista(const _eTipoLunghezzaPista* key, const float* metres);
 };
 
 // The variant's track name, tag "V_sw", 256 bytes.

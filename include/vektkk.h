@@ -6,6 +6,7 @@
 
 #include "VekTkkExport.h"
 
+#include "CDistanceCalculator.h"
 #include "CFileTkk.h"
 #include "Coordinate.h"
 #include "DataOraTkk.h"

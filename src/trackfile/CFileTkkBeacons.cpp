@@ -1,0 +1,62 @@
+// The main variant's beacon sets.
+#include "CFileTkk.h"
+#include "TrackMemoryRecords.h"
+#include "variants/Vocabolari.h"
+
+unsigned int CFileTkk::GetLineeSplitLLH(const _SDatoCoordinateBeacon*& lines,
+                                        _eTipoBeaconDaUsare type) const {
+  const STagsInfoVariante* main = Main();
+  if (main == nullptr) {
+    lines = nullptr;
+    return 0;
+  }
+  return main->InfoFw.InfoBeacons.GetLineeSplitLLH(lines, type);
+}
+
+void CFileTkk::SetLineeSplitLLH(unsigned int idx, const _SDatoCoordinateBeacon& line,
+                                _eTipoBeaconDaUsare type) {
+  if (STagsInfoVariante* main = Main()) main->InfoFw.InfoBeacons.SetLineeSplitLLH(idx, line, type);
+}
+
+void CFileTkk::ClearLineaSplitLLH(unsigned int idx, _eTipoBeaconDaUsare type) {
+  if (STagsInfoVariante* main = Main()) main->InfoFw.InfoBeacons.ClearLineaSplitLLH(idx, type);
+}
+
+unsigned int CFileTkk::GetLarghezzaPista() const {
+  const STagsInfoVariante* main = Main();
+  return main ? main->InfoFw.InfoBeacons.GetLarghezzaPista(BEACON_IN_USO) : 0;
+}
+
+void CFileTkk::SetLarghezzaPista(unsigned int width) {
+  if (STagsInfoVariante* main = Main())
+    main->InfoFw.InfoBeacons.SetLarghezzaPista(width, BEACON_IN_USO);
+}
+
+void CFileTkk::GetStrBeaconType(std::string& text, _eTipoBeaconDaUsare type) const {
+  text = vektkk::NomeTipoBeacon(type);
+}
+
+void CFileTkk::GetStrBeaconType(std::string& text) const {
+  const STagsInfoVariante* main = Main();
+  if (main == nullptr) return;
+  GetStrBeaconType(text, static_cast<_eTipoBeaconDaUsare>(main->InfoFw.InfoBeacons.TipoBeaconInUso));
+}
+
+bool CFileTkk::CanUseBeaconTypeMagnetic() const {
+  const STagsInfoVariante* main = Main();
+  return main != nullptr && main->InfoFw.TipoTracciato == TRACCIATO_KART_TRACK;
+}
+
+bool CFileTkk::TrasformaSetDiBeacon(_eTipoBeaconDaUsare type) {
+  STagsInfoVariante* main = Main();
+  if (main == nullptr) return true;
+  _SInfoBeacons& beacons = main->InfoFw.InfoBeacons;
+  const _SDatoCoordinateBeacon* inUso = nullptr;
+  beacons.GetLineeSplitLLH(inUso, BEACON_IN_USO);
+  if (inUso == nullptr) return true;
+  // Every position gets the finish line, width included; the split lines
+  // are not carried over. Devices rely on this.
+  const _SDatoCoordinateBeacon finish = inUso[0];
+  for (unsigned int i = 0; i < 6; ++i) beacons.SetLineeSplitLLH(i, finish, type);
+  return true;
+}
