@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <locale.h>
 #include <string.h>
 
 #include <memory>
@@ -168,6 +169,27 @@ TEST(Attributes, DatesTimeZoneAndAngleOfTheMainVariant) {
   EXPECT_TRUE(t->HasShape());
   t->RemoveShape();
   EXPECT_FALSE(t->HasShape());
+}
+
+}  // namespace
+
+namespace {
+
+// Names are UTF-8 in the records and in the local character set at the
+// interface; nation codes are bytes, copied as they come.
+TEST(Attributes, NamesAreConvertedCodesAreNot) {
+  const std::string saved = setlocale(LC_CTYPE, nullptr);
+  ASSERT_NE(setlocale(LC_CTYPE, "en_US.ISO-8859-1"), nullptr) << "test locale missing";
+  auto t = fixtures::MakeSmallTrack();
+  t->SetNomeXDevice("N\xFCrburg");
+  t->SetNamexSito("Gro\xDF");
+  t->SetNationCode("\xC4");
+  EXPECT_STREQ(t->GetTagInfo()->InfoFw.NomeXDevice, "N\xC3\xBCrburg");
+  EXPECT_STREQ(t->GetTagInfoFile().NamexSito, "Gro\xC3\x9F");
+  EXPECT_STREQ(t->GetTagInfo()->InfoFw.NationCode, "\xC4");
+  EXPECT_EQ(t->GetNomeXDevice(), "N\xFCrburg");
+  EXPECT_EQ(t->GetTrackNameCompleto(), "Gro\xDF N\xFCrburg");
+  setlocale(LC_CTYPE, saved.c_str());
 }
 
 }  // namespace
