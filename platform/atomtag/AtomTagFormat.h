@@ -9,7 +9,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#include <zlib.h>
+#include "Crc32.h"
 
 namespace vekatomtag {
 
@@ -30,13 +30,13 @@ inline uint32_t GetLe32(const unsigned char* p) {
 }
 
 // CRC-32 of a header followed by `size` payload bytes. The payload is left
-// out when empty: zlib treats a null buffer as a request for the initial
-// value and would discard the header's CRC.
+// out when empty: Crc32, like zlib, treats a null buffer as a request for the
+// initial value and would discard the header's CRC.
 inline uint32_t AtomCrc(const unsigned char* header, const unsigned char* payload,
                         uint32_t size) {
-  uLong crc = crc32(0L, header, static_cast<uInt>(kSizeHeader));
-  if (size > 0) crc = crc32(crc, payload, static_cast<uInt>(size));
-  return static_cast<uint32_t>(crc);
+  uint32_t crc = Crc32(0, header, kSizeHeader);
+  if (size > 0) crc = Crc32(crc, payload, size);
+  return crc;
 }
 
 }  // namespace vekatomtag
