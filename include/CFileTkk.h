@@ -170,6 +170,8 @@ class VEKTKK_API CFileTkk : public IFileTkk {
  private:
   // True (after reporting) when the object may not be changed or saved.
   bool Escluso() const;
+  // One view per variant record, made anew after a read.
+  void RicostruisciViste();
   // The main variant, or null when there is none.
   STagsInfoVariante* Main() const;
   STagDatiPlus* MainPlus() const;

@@ -36,6 +36,18 @@ class VEKTKK_API IVarianteTkk {
   // CFileTkk::IsOpenTrack: types 0, 4, 8 and those above 10 are both.
   static bool IsTrackChiusoo(_eTipoTracciatoTkk type);
 
+  // Time zone (hours from UTC and extra minutes) for a nation and its state
+  // code, from fixed tables; codes are compared exactly. Hours become 50,
+  // "not determined", first; an unknown code is reported and leaves the
+  // outputs as they stand then. Nothing is returned.
+  static void GetTimeZoneFromNation(const std::string& nation, const std::string& subNation,
+                                    int& hours, int& minutes);
+  // Minutes become 0 whatever the state; nine states leave the hours as
+  // they were.
+  static void GetUSTimeZoneFromState(const std::string& state, int& hours, int& minutes);
+  static void GetAustraliaTimeZoneFromState(const std::string& state, int& hours, int& minutes);
+  static void GetCanadaTimeZoneFromState(const std::string& province, int& hours, int& minutes);
+
   /*  0 */ virtual STagsInfoVariante* GetTagInfo() = 0;
   /*  1 */ virtual std::string GetNomePista() const = 0;
   /*  2 */ virtual std::string GetTrackNameCompleto() const = 0;

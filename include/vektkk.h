@@ -8,6 +8,7 @@
 
 #include "CDistanceCalculator.h"
 #include "CFileTkk.h"
+#include "CVarianteTkk.h"
 #include "Coordinate.h"
 #include "DataOraTkk.h"
 #include "GuidNomeFile.h"

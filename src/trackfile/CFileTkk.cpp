@@ -5,6 +5,7 @@
 
 #include <new>
 
+#include "CVarianteTkk.h"
 #include "TrackMemoryRecords.h"
 #include "platform/IStrConv.h"
 #include "trackfile/TextFields.h"
@@ -56,6 +57,17 @@ CFileTkk::CFileTkk(const std::string& path, bool soloLettura, bool senzaLogo)
 }
 
 CFileTkk::~CFileTkk() { Svuota(); }
+
+void CFileTkk::RicostruisciViste() {
+  for (IVarianteTkk* v : VariantiTrack) delete v;
+  VariantiTrack.clear();
+  try {
+    VariantiTrack.reserve(TagsInfoVarianti.size());
+    for (STagsInfoVariante* record : TagsInfoVarianti) VariantiTrack.push_back(new CVarianteTkk(record));
+  } catch (const std::bad_alloc&) {
+    // Out of memory: fewer views than variants, never a throw.
+  }
+}
 
 void CFileTkk::Svuota() {
   for (IVarianteTkk* v : VariantiTrack) delete v;

@@ -2,10 +2,12 @@
 // variant's _STagIndexesVarianteTKK must carry to use what was added.
 #include <string.h>
 
+#include <memory>
 #include <new>
 #include <utility>
 
 #include "CFileTkk.h"
+#include "CVarianteTkk.h"
 #include "GuidTkk.h"
 #include "TrackMemoryRecords.h"
 #include "foundation/LogEvento.h"
@@ -107,8 +109,7 @@ bool CFileTkk::AddTagInfoVariante(const std::string& nomePista, const std::strin
       !IndiceValido(indici.IdxPunti, PuntiTracciato) || !IndiceValido(indici.IdxLogo, Loghi))
     return false;
   try {
-    TagsInfoVarianti.reserve(TagsInfoVarianti.size() + 1);
-    auto* variante = new STagsInfoVariante(this);
+    std::unique_ptr<STagsInfoVariante> variante(new STagsInfoVariante(this));
     variante->InfoFw = infoFw;
     CopiaCampo(variante->InfoFw.NomeXDevice, sizeof variante->InfoFw.NomeXDevice,
                IStrConv::convert_stringa_to_utf8(nomeXDevice));
@@ -123,7 +124,12 @@ bool CFileTkk::AddTagInfoVariante(const std::string& nomePista, const std::strin
     if (!TrackIsReadOnly) variante->InfoFw.InfoBeacons.TipoBeaconInUso = BEACON_USER;
     if (variante->InfoFw.Guid.Valore == 0)
       variante->InfoFw.Guid = IGuidTkk::GetGuidTkk(TrackIsReadOnly, DevTrack);
-    TagsInfoVarianti.push_back(variante);
+    // Views handed out before stay valid: the new one is appended.
+    std::unique_ptr<CVarianteTkk> vista(new CVarianteTkk(variante.get()));
+    TagsInfoVarianti.reserve(TagsInfoVarianti.size() + 1);
+    VariantiTrack.reserve(VariantiTrack.size() + 1);
+    TagsInfoVarianti.push_back(variante.release());
+    VariantiTrack.push_back(vista.release());
   } catch (const std::bad_alloc&) {
     return false;
   }

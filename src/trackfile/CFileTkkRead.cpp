@@ -85,6 +85,11 @@ T* Elemento(const std::vector<T*>& list, uint16_t idx) {
 }  // namespace
 
 bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
+  // Whatever the outcome, the views match the variants read.
+  struct Viste {
+    CFileTkk* file;
+    ~Viste() { file->RicostruisciViste(); }
+  } viste{this};
   try {
     Svuota();
     std::unique_ptr<unsigned char[]> buffer;
