@@ -169,19 +169,20 @@ class VEKTKK_API CFileTkk : public IFileTkk {
 
  private:
   // True (after reporting) when the object may not be changed or saved.
-  bool Escluso() const;
+  VEKTKK_LOCAL bool Escluso() const;
   // One view per variant record, made anew after a read.
-  void RicostruisciViste();
+  VEKTKK_LOCAL void RicostruisciViste();
   // The main variant, or null when there is none.
-  STagsInfoVariante* Main() const;
-  STagDatiPlus* MainPlus() const;
-  std::string Salva(const std::string& dir, const std::string& nome, bool nomeGenerato,
-                    bool logoEsterno);
+  VEKTKK_LOCAL STagsInfoVariante* Main() const;
+  VEKTKK_LOCAL STagDatiPlus* MainPlus() const;
+  VEKTKK_LOCAL std::string Salva(const std::string& dir, const std::string& nome,
+                                 bool nomeGenerato, bool logoEsterno);
   // The whole file as bytes, in the order readers expect.
-  bool Componi(IAtomTagEncoderBin& enc, std::vector<unsigned char>& out, bool logoEsterno) const;
-  void ImpostaGuidNomeFile(const std::string& nome);
+  VEKTKK_LOCAL bool Componi(IAtomTagEncoderBin& enc, std::vector<unsigned char>& out,
+                             bool logoEsterno) const;
+  VEKTKK_LOCAL void ImpostaGuidNomeFile(const std::string& nome);
   // Bytes the saved file will take, to size the output once.
-  size_t DimensioneFile(bool logoEsterno) const;
+  VEKTKK_LOCAL size_t DimensioneFile(bool logoEsterno) const;
 
   bool TrackIsReadOnly;
   bool DevTrack;

@@ -17,6 +17,7 @@ packages="
   libglib2.0-dev
   syslog-ng-core
   syslog-ng-dev
+  abigail-tools
 "
 
 missing=""

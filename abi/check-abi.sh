@@ -1,0 +1,46 @@
+#!/bin/sh
+# Checks the built library against the recorded binary interface:
+#   check-abi.sh symbols <lib> <abi-dir>   exported symbols equal the allowlist
+#   check-abi.sh compat  <lib> <abi-dir>   abidiff against the baseline: fails
+#                                          on an incompatible change and on
+#                                          any change not recorded
+#   check-abi.sh update  <lib> <abi-dir> <include-dir>
+#                                          records the current interface as
+#                                          intended (commit the result)
+set -eu
+what=$1 lib=$2 abidir=$3 incdir=${4:-}
+
+symbols() {
+  nm -D --defined-only "$lib" | awk '{print $3}' | LC_ALL=C sort
+}
+
+case "$what" in
+  symbols)
+    if ! symbols | diff -u "$abidir/libvektkk.symbols" -; then
+      echo "exported symbols differ from $abidir/libvektkk.symbols" >&2
+      exit 1
+    fi
+    ;;
+  compat)
+    rc=0
+    abidiff "$abidir/libvektkk.abi" "$lib" || rc=$?
+    if [ $((rc & 8)) -ne 0 ]; then
+      echo "INCOMPATIBLE change of the binary interface" >&2
+      exit 1
+    fi
+    if [ "$rc" -ne 0 ]; then
+      echo "the binary interface changed (abidiff exit $rc); if intended, record it" \
+           "with: cmake --build build --target abi-baseline" >&2
+      exit 1
+    fi
+    ;;
+  update)
+    abidw --headers-dir "$incdir" --drop-private-types --drop-undefined-syms \
+      --no-show-locs --no-corpus-path --out-file "$abidir/libvektkk.abi" "$lib"
+    symbols > "$abidir/libvektkk.symbols"
+    ;;
+  *)
+    echo "usage: $0 symbols|compat|update <lib> <abi-dir> [include-dir]" >&2
+    exit 2
+    ;;
+esac
