@@ -12,7 +12,7 @@
 
 namespace {
 
-struct Spec {
+struct VariantData {
   const char* pista;
   const char* device;
   const char* nation;
@@ -21,7 +21,7 @@ struct Spec {
   int32_t lat;
 };
 
-const Spec kVariants[] = {
+const VariantData kVariants[] = {
     {"GP", "Monza GP", "ITA", TRACCIATO_RACE_TRACK, 1, 100},
     {"Junior", "Monza Jr", "ITB", TRACCIATO_KART_TRACK, 2, 200},
     {"", "Monza Oval", "ITC", TRACCIATO_OVAL, 3, 300},
@@ -32,7 +32,7 @@ const Spec kVariants[] = {
 std::unique_ptr<CFileTkk> ThreeVariants(const fixtures::TempDir& dir) {
   std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
   t->SetNamexSito("Autodromo");
-  for (const Spec& s : kVariants) {
+  for (const VariantData& s : kVariants) {
     _STagInfoVarianteTKK_fw fw;
     memset(fw.NationCode, 0, 8);
     memcpy(fw.NationCode, s.nation, 3);
@@ -55,7 +55,7 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnVariant) {
   const std::vector<IVarianteTkk*>& views = t->GetVariantiTrack();
   ASSERT_EQ(views.size(), 3u);
   for (short i = 0; i < 3; ++i) {
-    const Spec& s = kVariants[i];
+    const VariantData& s = kVariants[i];
     IVarianteTkk* v = views[static_cast<size_t>(i)];
     SCOPED_TRACE(s.device);
     EXPECT_EQ(v->GetTagInfo(), t->GetTagInfoVariante(i));
