@@ -84,7 +84,8 @@ class VEKTKK_API IFileTkk : public IVarianteTkk {
   // external image file already exists.
   /* 78 */ virtual bool LeggiFile(const std::string& path, bool nuovoNomeLogo) = 0;
   // Saves the track as dir + name + ".tkk" (`dir` ends with a separator).
-  // With `nome` null a new name is made that no file in `dir` has yet.
+  // With `nome` null a new name is made that no file in `dir` has yet
+  // (after ten seconds of taken names the save gives up).
   // Returns the 8-character name, or "" on failure. The save is atomic: on
   // failure, or if the power goes, any earlier file of that name is intact.
   /* 79 */ virtual std::string SalvaFileInPath(const std::string& dir, const std::string* nome) = 0;

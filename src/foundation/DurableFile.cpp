@@ -66,6 +66,30 @@ std::string ScriviTemporaneo(const std::string& path, const void* data, size_t s
   return temp;
 }
 
+// Gives the complete temporary file the name `path` only if no file has
+// it, in one step. link() never replaces a name; file systems without hard
+// links (the FAT family of memory cards) get an exclusive rename instead, or,
+// where even that is missing, an empty placeholder created exclusively and
+// then replaced by the rename. Consumes `temp` on success.
+EsitoCreazione Rivendica(const std::string& temp, const std::string& path) {
+  if (link(temp.c_str(), path.c_str()) == 0) {
+    unlink(temp.c_str());
+    return EsitoCreazione::Creato;
+  }
+  if (errno == EEXIST) return EsitoCreazione::GiaEsistente;
+  if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS) return EsitoCreazione::Errore;
+  if (renameat2(AT_FDCWD, temp.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0)
+    return EsitoCreazione::Creato;
+  if (errno == EEXIST) return EsitoCreazione::GiaEsistente;
+  if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) return EsitoCreazione::Errore;
+  const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (fd < 0) return errno == EEXIST ? EsitoCreazione::GiaEsistente : EsitoCreazione::Errore;
+  close(fd);
+  if (rename(temp.c_str(), path.c_str()) == 0) return EsitoCreazione::Creato;
+  unlink(path.c_str());
+  return EsitoCreazione::Errore;
+}
+
 }  // namespace
 
 std::string CartellaDi(const std::string& path) {
@@ -89,13 +113,10 @@ bool ScriviFileAtomico(const std::string& path, const void* data, size_t size) {
 EsitoCreazione CreaFileEsclusivo(const std::string& path, const void* data, size_t size) {
   const std::string temp = ScriviTemporaneo(path, data, size);
   if (temp.empty()) return EsitoCreazione::Errore;
-  // link() never replaces an existing name: it claims the name or fails.
-  const int rc = link(temp.c_str(), path.c_str());
-  const int err = errno;
-  unlink(temp.c_str());
-  if (rc != 0) return err == EEXIST ? EsitoCreazione::GiaEsistente : EsitoCreazione::Errore;
-  SincronizzaCartella(CartellaDi(path));
-  return EsitoCreazione::Creato;
+  const EsitoCreazione esito = Rivendica(temp, path);
+  if (esito != EsitoCreazione::Creato) unlink(temp.c_str());
+  if (esito == EsitoCreazione::Creato) SincronizzaCartella(CartellaDi(path));
+  return esito;
 }
 
 }  // namespace vektkk

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <new>
 
@@ -20,6 +21,7 @@ using namespace vektkk::tkk;
 namespace {
 
 constexpr useconds_t kAttesaNomeOccupato = 25000;  // 25 ms, as the name generator
+constexpr std::chrono::seconds kAttesaMassimaNome(10);
 // Logos of this size or less are neither embedded nor written out.
 constexpr size_t kMinimoLogo = 9;
 // Characters of a logo's NomeFile kept as the extension of its own file.
@@ -128,7 +130,10 @@ std::string CFileTkk::Salva(const std::string& dir, const std::string& nome, boo
       // The name generator may repeat a name within one second: a generated
       // name is used only once no file in `dir` has it, and claiming it is
       // one step with creating the file, so no earlier track is replaced.
-      for (;;) {
+      // A clock that does not move would repeat the same names for ever:
+      // after ten seconds of taken names the save gives up.
+      const auto inizio = std::chrono::steady_clock::now();
+      while (std::chrono::steady_clock::now() - inizio < kAttesaMassimaNome) {
         const std::string generato = IGuidNomeFile::GetNomeFile(TrackIsReadOnly, DevTrack);
         const std::string path = PercorsoTrack(dir, generato);
         if (access(path.c_str(), F_OK) == 0) {

@@ -1,5 +1,7 @@
 #include "trackfile/LogoFiles.h"
 
+#include <errno.h>
+#include <fcntl.h>
 #include <string.h>
 #include <unistd.h>
 
@@ -23,11 +25,15 @@ bool NomeSicuro(const std::string& nome) {
 
 void ScriviImmagine(const SLogo& logo, const std::string& cartella, const std::string& base,
                     const std::string& estensione, bool nuovoNomeLogo) {
-  // Most reads find the image already there: look before writing a copy
-  // that would only be thrown away. Creating stays exclusive for the race.
-  if (Esiste(logo.NomeFile)) {
+  // An image file counts as there when it opens for reading and writing;
+  // one that exists but does not open so is neither replaced nor copied.
+  // Most reads find the image there: nothing is written then.
+  const int fd = open(logo.NomeFile.c_str(), O_RDWR | O_CLOEXEC);
+  if (fd >= 0) {
+    close(fd);
     if (!nuovoNomeLogo) return;
   } else {
+    if (errno != ENOENT) return;
     const EsitoCreazione esito =
         CreaFileEsclusivo(logo.NomeFile, logo.Dati.data(), logo.Dati.size());
     if (esito != EsitoCreazione::GiaEsistente || !nuovoNomeLogo) return;

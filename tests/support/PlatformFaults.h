@@ -2,12 +2,17 @@
 #define VEKTKK_TESTS_SUPPORT_PLATFORMFAULTS_H
 
 // The unit-test executables are linked with --wrap for the factories of the
-// atom-tag container, so a test can make them fail as a device short of
-// memory would.
+// atom-tag container and for some file-system calls, so a test can make them
+// fail as a device short of memory, or a memory card, would.
 namespace faults {
 
 void FailDecoderCreation(bool fail);
 void FailEncoderCreation(bool fail);
+
+// File systems without hard links (the FAT family of memory cards): link()
+// fails with EPERM, and with `noExclusiveRename` renameat2() does not know
+// RENAME_NOREPLACE either (EINVAL).
+void NoHardLinks(bool noLinks, bool noExclusiveRename = false);
 
 }  // namespace faults
 

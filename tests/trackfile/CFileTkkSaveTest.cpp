@@ -10,6 +10,7 @@
 #include "GuidNomeFile.h"
 #include "TrackMemoryRecords.h"
 #include "support/EvtLogRecorder.h"
+#include "support/FakeClock.h"
 #include "support/PlatformFaults.h"
 #include "support/TrackFixtures.h"
 
@@ -131,6 +132,41 @@ TEST_F(SaveTest, LogosOfNineBytesOrLessAreNotSaved) {
   auto external = Open(ext);
   EXPECT_TRUE(external->IsGood());
   EXPECT_EQ(external->GetTagsInfoVarianti().size(), 1u);
+}
+
+// The name generator repeats a name when the clock and rand() repeat: the
+// second save must find the name taken and wait for a free one, on file
+// systems with hard links and on memory cards without them.
+TEST_F(SaveTest, GeneratedNamesNeverReplaceATrack) {
+  struct Case {
+    const char* what;
+    bool noLinks, noExclusiveRename;
+  };
+  const Case cases[] = {{"hard links", false, false},
+                        {"exclusive rename", true, false},
+                        {"placeholder", true, true}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    fixtures::TempDir dir;
+    faults::NoHardLinks(c.noLinks, c.noExclusiveRename);
+    fakeclock::Freeze(fakeclock::Utc(2026, 11, 22, 10, 0, 0));
+    for (int i = 0; i < 60; ++i) fakeclock::QueueRand({0x105});
+    auto first = fixtures::MakeRandomTrack(1);
+    auto second = fixtures::MakeRandomTrack(2);
+    const std::string a = first->SalvaFileInPath(dir.path(), nullptr);
+    const std::string b = second->SalvaFileInPath(dir.path(), nullptr);
+    const int waits = fakeclock::UsleepCalls();
+    fakeclock::Reset();
+    faults::NoHardLinks(false);
+    ASSERT_EQ(a.size(), 8u);
+    ASSERT_EQ(b.size(), 8u);
+    EXPECT_NE(a, b);
+    EXPECT_GT(waits, 0) << "the second save waited for a free name";
+    EXPECT_EQ(dir.Entries(), (std::vector<std::string>{std::min(a, b) + ".tkk", std::max(a, b) + ".tkk"}));
+    std::unique_ptr<CFileTkk> readA(static_cast<CFileTkk*>(
+        IFileTkk::CreateMeUponFile(dir.path() + a + ".tkk", false, false)));
+    ExpectSameTrack(*first, *readA, dir.path());
+  }
 }
 
 TEST_F(SaveTest, NoEncoderNoFile) {
