@@ -26,10 +26,13 @@ TEST_F(GuidNomeFileTest, NameDecodesToItsTimeAndFlags) {
 
     tm t;
     memset(&t, 0, sizeof t);
+    t.tm_wday = 5;  // only the six date and time members are written
+    t.tm_yday = 77;
     bool isVek = !f[0], isDev = !f[1];
     ASSERT_TRUE(IGuidNomeFile::GetDaNomeFile(name + ".tkk", t, isVek, isDev));
     EXPECT_EQ(isVek, f[0]);
     EXPECT_EQ(isDev, f[1]);
+    EXPECT_EQ(t.tm_wday + t.tm_yday, 5 + 77);
     EXPECT_EQ(timegm(&t), fakeclock::Utc(2024, 3, 5, 12, 34, 56));
   }
 }

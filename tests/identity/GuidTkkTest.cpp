@@ -39,9 +39,13 @@ TEST_F(GuidTkkTest, FlagsAndTimeOfTheCurrentSecond) {
     EXPECT_EQ(IGuidTkk::IsVek(g), f[2]);
     EXPECT_EQ(IGuidTkk::IsDev(g), f[3]);
     bool isVek = !f[0], isDev = !f[1];
+    t.tm_wday = 6;  // only the six date and time members are written
+    t.tm_isdst = 1;
     EXPECT_TRUE(IGuidTkk::GetDaGuidTkk(g, t, isVek, isDev));
     EXPECT_EQ(isVek, f[0]);
     EXPECT_EQ(isDev, f[1]);
+    EXPECT_EQ(t.tm_wday + t.tm_isdst, 7);
+    EXPECT_EQ(timegm(&t), now);
   }
 }
 
