@@ -4,21 +4,12 @@
 #include <string>
 
 #include "foundation/LittleEndian.h"
+#include "support/FakeClock.h"
 #include "tkkFlat.h"
 
 namespace {
 
-tm MakeTm(int year, int month, int day, int hour, int minute, int second) {
-  tm t;
-  memset(&t, 0, sizeof t);
-  t.tm_year = year - 1900;
-  t.tm_mon = month - 1;
-  t.tm_mday = day;
-  t.tm_hour = hour;
-  t.tm_min = minute;
-  t.tm_sec = second;
-  return t;
-}
+using fakeclock::MakeTm;
 
 uint64_t Value(const unsigned char* bytes) { return vektkk::DecodeFixed64(bytes); }
 

@@ -1,6 +1,7 @@
 #include "support/FakeClock.h"
 
 #include <stdlib.h>
+#include <string.h>
 #include <unistd.h>
 
 #include <deque>
@@ -54,14 +55,20 @@ void Reset() {
   g_unlocks = 0;
 }
 
-time_t Utc(int year, int month, int day, int hour, int minute, int second) {
-  tm t = {};
+tm MakeTm(int year, int month, int day, int hour, int minute, int second) {
+  tm t;
+  memset(&t, 0, sizeof t);
   t.tm_year = year - 1900;
   t.tm_mon = month - 1;
   t.tm_mday = day;
   t.tm_hour = hour;
   t.tm_min = minute;
   t.tm_sec = second;
+  return t;
+}
+
+time_t Utc(int year, int month, int day, int hour, int minute, int second) {
+  tm t = MakeTm(year, month, day, hour, minute, second);
   return timegm(&t);
 }
 

@@ -27,7 +27,9 @@ int EvtMutexDepth();
 // Unfreezes, empties the rand queue and zeroes the counters.
 void Reset();
 
-// A UTC calendar time as time_t.
+// A calendar time with every other member zero (month 1-12), and the same
+// time in UTC as time_t.
+tm MakeTm(int year, int month, int day, int hour, int minute, int second);
 time_t Utc(int year, int month, int day, int hour, int minute, int second);
 
 }  // namespace fakeclock
