@@ -95,7 +95,7 @@ TEST_F(BuildTest, NewVariantsGetBeaconTypeAndGuid) {
     ASSERT_TRUE(track->AddTagInfoVariante("GP", "Monza", fw, _STagIndexesVarianteTKK()));
     const _STagInfoVarianteTKK_fw& stored = track->GetTagInfo()->InfoFw;
     EXPECT_EQ(stored.InfoBeacons.TipoBeaconInUso, c.beaconExpected);
-    ASSERT_NE(stored.Guid.Valore, 0u);
+    ASSERT_NE(uint64_t{stored.Guid.Valore}, 0u);
     tm when;
     bool isVek = false, isDev = false;
     IGuidTkk::GetDaGuidTkk(stored.Guid, when, isVek, isDev);
@@ -105,7 +105,7 @@ TEST_F(BuildTest, NewVariantsGetBeaconTypeAndGuid) {
     // A GUID that comes with the record is kept.
     fw.Guid.Valore = 0x1234;
     ASSERT_TRUE(track->AddTagInfoVariante("", "", fw, _STagIndexesVarianteTKK()));
-    EXPECT_EQ(track->GetTagInfoVariante(1)->InfoFw.Guid.Valore, 0x1234u);
+    EXPECT_EQ(uint64_t{track->GetTagInfoVariante(1)->InfoFw.Guid.Valore}, 0x1234u);
     EXPECT_EQ(track->GetGuidVariante(1).Valore, 0x1234u);
     EXPECT_EQ(track->GetGuidVariante(2).Valore, 0u);
   }

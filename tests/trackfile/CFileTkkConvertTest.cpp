@@ -81,9 +81,9 @@ TEST_F(ConvertTest, MakerBitAndReferencePoint) {
   auto t = DevTrack();
   const uint64_t guid = t->GetTagInfo()->InfoFw.Guid.Valore;
   t->TrasformaPistaInVek();
-  EXPECT_EQ(t->GetTagInfo()->InfoFw.Guid.Valore, guid ^ (1ull << 47));
+  EXPECT_EQ(uint64_t{t->GetTagInfo()->InfoFw.Guid.Valore}, guid ^ (1ull << 47));
   t->TrasformaPistaInVek();
-  EXPECT_EQ(t->GetTagInfo()->InfoFw.Guid.Valore, guid);
+  EXPECT_EQ(uint64_t{t->GetTagInfo()->InfoFw.Guid.Valore}, guid);
 
   struct Case {
     double lat, lon;

@@ -214,7 +214,7 @@ TEST(GoldenFile, HandBuiltFileReadsBackFieldByField) {
   EXPECT_TRUE(track->IsVekTrack());  // type flag 0 in the file name
 
   const _STagInfoFileTKK& info = track->GetTagInfoFile();
-  EXPECT_EQ(info.IdxMainVariante, 1);
+  EXPECT_EQ(int32_t{info.IdxMainVariante}, 1);
   EXPECT_EQ(Field(info.NamexSito, 256), site);
   EXPECT_EQ(std::string(info.GuidNomeFile, 8), kName);
 
@@ -252,7 +252,7 @@ TEST(GoldenFile, HandBuiltFileReadsBackFieldByField) {
       }
     }
     EXPECT_EQ(fw.BitField.Valore, v.flags);
-    EXPECT_EQ(fw.Guid.Valore, v.guid);
+    EXPECT_EQ(uint64_t{fw.Guid.Valore}, v.guid);
     EXPECT_EQ(read[i]->Indici.IdxFondiStradali, v.idxSurfaces);
     EXPECT_EQ(read[i]->Indici.IdxPunti, v.idxShape);
     EXPECT_EQ(read[i]->Indici.IdxLogo, v.idxLogo);
