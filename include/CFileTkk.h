@@ -11,6 +11,7 @@
 #include "TrackFileRecords.h"
 #include "VekTkkExport.h"
 
+class CVarianteTkk;
 class IAtomTagEncoderBin;
 struct SLogo;
 struct STagDatiPlus;
@@ -174,7 +175,8 @@ class VEKTKK_API CFileTkk : public IFileTkk {
   VEKTKK_LOCAL void RicostruisciViste();
   // The main variant, or null when there is none.
   VEKTKK_LOCAL STagsInfoVariante* Main() const;
-  VEKTKK_LOCAL STagDatiPlus* MainPlus() const;
+  // A view of the main variant (of a null record when there is none).
+  VEKTKK_LOCAL CVarianteTkk VistaMain() const;
   VEKTKK_LOCAL std::string Salva(const std::string& dir, const std::string& nome,
                                  bool nomeGenerato, bool logoEsterno);
   // The whole file as bytes, in the order readers expect.

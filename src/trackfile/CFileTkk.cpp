@@ -96,18 +96,9 @@ bool CFileTkk::GetTrackIsReadOnly() const { return TrackIsReadOnly; }
 bool CFileTkk::IsVekTrack() const { return TrackIsReadOnly; }
 bool CFileTkk::IsDevTrack() const { return DevTrack; }
 
-const std::string* CFileTkk::GetTrackLogo() const {
-  if (TagsInfoVarianti.empty() || TagsInfoVarianti.front() == nullptr) return nullptr;
-  const STagsInfoVariante* main = TagsInfoVarianti.front();
-  if (main->Logo != nullptr) return &main->Logo->NomeFile;
-  if (!main->NomeFileLogoEsterno.empty()) return &main->NomeFileLogoEsterno;
-  return nullptr;
-}
-
-SLogo* CFileTkk::GetTrackLogoBuffer() const {
-  if (TagsInfoVarianti.empty() || TagsInfoVarianti.front() == nullptr) return nullptr;
-  return TagsInfoVarianti.front()->Logo;
-}
+// Both point into the main variant's records, not into the view.
+const std::string* CFileTkk::GetTrackLogo() const { return VistaMain().GetTrackLogo(); }
+SLogo* CFileTkk::GetTrackLogoBuffer() const { return VistaMain().GetTrackLogoBuffer(); }
 
 short CFileTkk::GetIdxVariante() const { return static_cast<short>(GetIdxMainVariante()); }
 

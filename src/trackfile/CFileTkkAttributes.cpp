@@ -1,8 +1,11 @@
 // The descriptive attributes of a track, answered from its main variant.
-// Without a variant the getters answer their defaults and the setters do
-// nothing.
+// Where the file answers exactly as a view of its main variant would, it
+// asks such a view; without a variant the view's defaults are the file's.
+// The file differs from a view in its own places: the full name, the
+// nation codes, the comment, the date, the road-surface setter and the
+// file-wide flags and names.
 #include "CFileTkk.h"
-#include "GuidTkk.h"
+#include "CVarianteTkk.h"
 #include "TrackMemoryRecords.h"
 #include "trackfile/TextFields.h"
 #include "variants/Vocabolari.h"
@@ -15,10 +18,7 @@ STagsInfoVariante* CFileTkk::Main() const {
   return TagsInfoVarianti.empty() ? nullptr : TagsInfoVarianti.front();
 }
 
-STagDatiPlus* CFileTkk::MainPlus() const {
-  const STagsInfoVariante* main = Main();
-  return main != nullptr ? main->DatiPlus : nullptr;
-}
+CVarianteTkk CFileTkk::VistaMain() const { return CVarianteTkk(Main()); }
 
 std::string CFileTkk::GetNamexSito() const {
   return LeggiCampoLocale(TagInfoFile.NamexSito, FineDi(TagInfoFile));
@@ -39,22 +39,9 @@ std::string CFileTkk::GetNomeFileDaFileSystem() const {
       std::string(NomeFileDaFileSystem, sizeof NomeFileDaFileSystem));
 }
 
-std::string CFileTkk::GetNomeXDevice() const {
-  const STagsInfoVariante* main = Main();
-  return main ? LeggiCampoLocale(main->InfoFw.NomeXDevice, FineDi(main->InfoFw)) : std::string();
-}
-
-void CFileTkk::SetNomeXDevice(const std::string& name) {
-  STagsInfoVariante* main = Main();
-  if (main == nullptr) return;
-  CopiaCampo(main->InfoFw.NomeXDevice, sizeof main->InfoFw.NomeXDevice,
-             IStrConv::convert_stringa_to_utf8(name));
-}
-
-std::string CFileTkk::GetNomePista() const {
-  const STagsInfoVariante* main = Main();
-  return main ? LeggiCampoLocale(main->InfoSw.NomePista, FineDi(main->InfoSw)) : std::string();
-}
+std::string CFileTkk::GetNomeXDevice() const { return VistaMain().GetNomeXDevice(); }
+void CFileTkk::SetNomeXDevice(const std::string& name) { VistaMain().SetNomeXDevice(name); }
+std::string CFileTkk::GetNomePista() const { return VistaMain().GetNomePista(); }
 
 std::string CFileTkk::GetTrackNameCompleto() const {
   // The file composes with the device name, a variant view with its track
@@ -63,6 +50,8 @@ std::string CFileTkk::GetTrackNameCompleto() const {
   return GetNamexSito() + (device.empty() ? device : " " + device);
 }
 
+// Unlike a view, the file answers the codes whether or not the main variant
+// has an additional-text record.
 std::string CFileTkk::GetNationCode() const {
   const STagsInfoVariante* main = Main();
   return main ? LeggiCampoLocale(main->InfoFw.NationCode, FineDi(main->InfoFw)) : std::string();
@@ -85,36 +74,21 @@ void CFileTkk::SetSubNationCode(const std::string& code) {
     CopiaCampo(main->InfoFw.SubNationCode, sizeof main->InfoFw.SubNationCode, code);
 }
 
-// Additional texts are kept as given, never converted.
-std::string CFileTkk::GetCitta() const { return MainPlus() ? MainPlus()->Citta : std::string(); }
+// Additional texts of the main variant, kept as given, never converted.
+std::string CFileTkk::GetCitta() const { return VistaMain().GetCitta(); }
 void CFileTkk::SetCitta(const std::string& city) {
-  if (MainPlus()) MainPlus()->Citta = city;
+  if (Main() != nullptr && Main()->DatiPlus != nullptr) Main()->DatiPlus->Citta = city;
 }
-std::string CFileTkk::GetTrackAddress() const {
-  return MainPlus() ? MainPlus()->Address : std::string();
-}
-void CFileTkk::SetTrackAddress(const std::string& text) {
-  if (MainPlus()) MainPlus()->Address = text;
-}
-std::string CFileTkk::GetTrackTelephone() const {
-  return MainPlus() ? MainPlus()->Telephone : std::string();
-}
-void CFileTkk::SetTrackTelephone(const std::string& text) {
-  if (MainPlus()) MainPlus()->Telephone = text;
-}
-std::string CFileTkk::GetTrackURL() const { return MainPlus() ? MainPlus()->URL : std::string(); }
-void CFileTkk::SetTrackURL(const std::string& text) {
-  if (MainPlus()) MainPlus()->URL = text;
-}
-std::string CFileTkk::GetTrackPostalCode() const {
-  return MainPlus() ? MainPlus()->PostalCode : std::string();
-}
-void CFileTkk::SetTrackPostalCode(const std::string& text) {
-  if (MainPlus()) MainPlus()->PostalCode = text;
-}
-const std::string& CFileTkk::GetTrackNomignolo() const {
-  return MainPlus() ? MainPlus()->Nomignolo : vektkk::TestoVuoto;
-}
+std::string CFileTkk::GetTrackAddress() const { return VistaMain().GetTrackAddress(); }
+void CFileTkk::SetTrackAddress(const std::string& text) { VistaMain().SetTrackAddress(text); }
+std::string CFileTkk::GetTrackTelephone() const { return VistaMain().GetTrackTelephone(); }
+void CFileTkk::SetTrackTelephone(const std::string& text) { VistaMain().SetTrackTelephone(text); }
+std::string CFileTkk::GetTrackURL() const { return VistaMain().GetTrackURL(); }
+void CFileTkk::SetTrackURL(const std::string& text) { VistaMain().SetTrackURL(text); }
+std::string CFileTkk::GetTrackPostalCode() const { return VistaMain().GetTrackPostalCode(); }
+void CFileTkk::SetTrackPostalCode(const std::string& text) { VistaMain().SetTrackPostalCode(text); }
+// The name lives in the record, not in the short-lived view.
+const std::string& CFileTkk::GetTrackNomignolo() const { return VistaMain().GetTrackNomignolo(); }
 
 // The file's comment lives in its first additional-text record, whichever
 // variant links to it.
@@ -133,26 +107,13 @@ bool CFileTkk::IsTrackObsoleta() const { return false; }
 std::string CFileTkk::GetStringaVarianti() const { return std::string(); }
 
 _eTipoTracciatoTkk CFileTkk::GetTrackTypeCircuitKey() const {
-  const STagsInfoVariante* main = Main();
-  return main ? static_cast<_eTipoTracciatoTkk>(main->InfoFw.TipoTracciato) : TRACCIATO_RACE_TRACK;
+  return VistaMain().GetTrackTypeCircuitKey();
 }
-
 void CFileTkk::SetTrackTypeCircuitKey(const _eTipoTracciatoTkk& key) {
-  if (STagsInfoVariante* main = Main()) main->InfoFw.TipoTracciato = key;
+  VistaMain().SetTrackTypeCircuitKey(key);
 }
-
-bool CFileTkk::IsTrackChiuso() const {
-  const STagsInfoVariante* main = Main();
-  return main == nullptr ||
-         IVarianteTkk::IsTrackChiusoo(static_cast<_eTipoTracciatoTkk>(main->InfoFw.TipoTracciato));
-}
-
-_eTipoRoadSurfaceTkk CFileTkk::GetFondoStradaleKey() const {
-  const STagsInfoVariante* main = Main();
-  if (main == nullptr || main->FondiStradali == nullptr || main->FondiStradali->Fondi.empty())
-    return FONDO_PAVED;
-  return main->FondiStradali->Fondi.front();
-}
+bool CFileTkk::IsTrackChiuso() const { return VistaMain().IsTrackChiuso(); }
+_eTipoRoadSurfaceTkk CFileTkk::GetFondoStradaleKey() const { return VistaMain().GetFondoStradaleKey(); }
 
 void CFileTkk::SetFondoStradaleKey(const _eTipoRoadSurfaceTkk& key) {
   STagsInfoVariante* main = Main();
@@ -186,37 +147,17 @@ std::string CFileTkk::OttieniStringaxLunghezzaKey() const {
   return IVarianteTkk::OttieniStringaxLunghezzaKeyy(GetTrackLenghtKey());
 }
 
-float CFileTkk::GetTrackLenght() const {
-  const STagsInfoVariante* main = Main();
-  return main ? main->InfoFw.Lunghezza : 0.0f;
-}
-
-_eTipoLunghezzaPista CFileTkk::GetTrackLenghtKey() const {
-  const STagsInfoVariante* main = Main();
-  return main ? static_cast<_eTipoLunghezzaPista>(main->InfoFw.TipoLunghezza) : LUNGHEZZA_CUSTOM;
-}
-
+float CFileTkk::GetTrackLenght() const { return VistaMain().GetTrackLenght(); }
+_eTipoLunghezzaPista CFileTkk::GetTrackLenghtKey() const { return VistaMain().GetTrackLenghtKey(); }
 void CFileTkk::SetTrackLenght(const _eTipoLunghezzaPista* key, const float* metres) {
-  if (STagsInfoVariante* main = Main()) main->InfoFw.ImpostaLunghezzaPista(key, metres);
+  VistaMain().SetTrackLenght(key, metres);
 }
-
-float CFileTkk::GetTrackAnglePlot() const {
-  const STagsInfoVariante* main = Main();
-  return main ? main->InfoFw.AnglePlot : 0.0f;
-}
-
-void CFileTkk::SetTrackAnglePlot(const float& angle) {
-  if (STagsInfoVariante* main = Main()) main->InfoFw.AnglePlot = angle;
-}
+float CFileTkk::GetTrackAnglePlot() const { return VistaMain().GetTrackAnglePlot(); }
+void CFileTkk::SetTrackAnglePlot(const float& angle) { VistaMain().SetTrackAnglePlot(angle); }
 
 bool CFileTkk::GetTrackTimeZone(int& zone, int& deltaMin) const {
-  const STagsInfoVariante* main = Main();
-  if (main == nullptr) return false;
-  zone = main->InfoFw.TimeZone;
-  deltaMin = main->InfoFw.DeltaMin;
-  return true;
+  return VistaMain().GetTrackTimeZone(zone, deltaMin);
 }
-
 int CFileTkk::GetTimeZone() const { return Main() ? Main()->InfoFw.TimeZone : 0; }
 int CFileTkk::GetDeltaMin() const { return Main() ? Main()->InfoFw.DeltaMin : 0; }
 void CFileTkk::SetTimezone(const int& zone) {
@@ -226,13 +167,11 @@ void CFileTkk::SetDeltaMin(const int& minutes) {
   if (STagsInfoVariante* main = Main()) main->InfoFw.DeltaMin = minutes;
 }
 
+// A view reads the date through its owner, that is here.
 void CFileTkk::GetDateTimeTMModifica(tm& when) const {
   if (const STagsInfoVariante* main = Main()) main->InfoFw.DataModifica.DataOra.CopiaInTm(when);
 }
-
-void CFileTkk::AggiornaDataModifica(const tm& when) {
-  if (STagsInfoVariante* main = Main()) main->InfoFw.DataModifica.DataOra.CopiaDaTm(when);
-}
+void CFileTkk::AggiornaDataModifica(const tm& when) { VistaMain().AggiornaDataModifica(when); }
 
 bool CFileTkk::HasShape() const {
   const STagsInfoVariante* main = Main();
@@ -244,10 +183,6 @@ void CFileTkk::RemoveShape() {
   if (main != nullptr && main->Punti != nullptr) main->Punti->Punti.clear();
 }
 
-bool CFileTkk::IsUserCreatedNewTrack() const {
-  const STagsInfoVariante* main = Main();
-  if (TrackIsReadOnly || main == nullptr) return false;
-  return !IGuidTkk::IsVek(main->InfoFw.Guid);
-}
+bool CFileTkk::IsUserCreatedNewTrack() const { return VistaMain().IsUserCreatedNewTrack(); }
 
 const std::vector<IVarianteTkk*>& CFileTkk::GetVariantiTrack() const { return VariantiTrack; }

@@ -1,36 +1,25 @@
-// The main variant's beacon sets.
+// The main variant's beacon sets, as a view of the main variant answers.
 #include "CFileTkk.h"
+#include "CVarianteTkk.h"
 #include "TrackMemoryRecords.h"
 #include "variants/Vocabolari.h"
 
 unsigned int CFileTkk::GetLineeSplitLLH(const _SDatoCoordinateBeacon*& lines,
                                         _eTipoBeaconDaUsare type) const {
-  const STagsInfoVariante* main = Main();
-  if (main == nullptr) {
-    lines = nullptr;
-    return 0;
-  }
-  return main->InfoFw.InfoBeacons.GetLineeSplitLLH(lines, type);
+  return VistaMain().GetLineeSplitLLH(lines, type);
 }
 
 void CFileTkk::SetLineeSplitLLH(unsigned int idx, const _SDatoCoordinateBeacon& line,
                                 _eTipoBeaconDaUsare type) {
-  if (STagsInfoVariante* main = Main()) main->InfoFw.InfoBeacons.SetLineeSplitLLH(idx, line, type);
+  VistaMain().SetLineeSplitLLH(idx, line, type);
 }
 
 void CFileTkk::ClearLineaSplitLLH(unsigned int idx, _eTipoBeaconDaUsare type) {
-  if (STagsInfoVariante* main = Main()) main->InfoFw.InfoBeacons.ClearLineaSplitLLH(idx, type);
+  VistaMain().ClearLineaSplitLLH(idx, type);
 }
 
-unsigned int CFileTkk::GetLarghezzaPista() const {
-  const STagsInfoVariante* main = Main();
-  return main ? main->InfoFw.InfoBeacons.GetLarghezzaPista(BEACON_IN_USO) : 0;
-}
-
-void CFileTkk::SetLarghezzaPista(unsigned int width) {
-  if (STagsInfoVariante* main = Main())
-    main->InfoFw.InfoBeacons.SetLarghezzaPista(width, BEACON_IN_USO);
-}
+unsigned int CFileTkk::GetLarghezzaPista() const { return VistaMain().GetLarghezzaPista(); }
+void CFileTkk::SetLarghezzaPista(unsigned int width) { VistaMain().SetLarghezzaPista(width); }
 
 void CFileTkk::GetStrBeaconType(std::string& text, _eTipoBeaconDaUsare type) const {
   text = vektkk::NomeTipoBeacon(type);
