@@ -18,6 +18,12 @@ packages="
   syslog-ng-core
   syslog-ng-dev
   abigail-tools
+  clang
+  libcli11-dev
+  nlohmann-json3-dev
+  libpugixml-dev
+  gdal-bin
+  chromium
 "
 
 missing=""
