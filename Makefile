@@ -12,7 +12,7 @@ deps:
 	@./scripts/install-deps.sh
 
 configure: deps
-	@cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+	@cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVEKTKK_WERROR=ON >/dev/null
 
 build: configure
 	cmake --build $(BUILD_DIR) -j$(JOBS)
@@ -28,7 +28,7 @@ demo: build
 SAN_DIR ?= build-sanitize
 SAN_FLAGS = -fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined
 sanitize: deps
-	@cmake -S . -B $(SAN_DIR) -DCMAKE_BUILD_TYPE=Debug -DVEKTKK_BUILD_BENCH=OFF \
+	@cmake -S . -B $(SAN_DIR) -DCMAKE_BUILD_TYPE=Debug -DVEKTKK_BUILD_BENCH=OFF -DVEKTKK_WERROR=ON \
 	  -DCMAKE_C_FLAGS="$(SAN_FLAGS)" -DCMAKE_CXX_FLAGS="$(SAN_FLAGS)" \
 	  -DCMAKE_EXE_LINKER_FLAGS="$(SAN_FLAGS)" -DCMAKE_SHARED_LINKER_FLAGS="$(SAN_FLAGS)" >/dev/null
 	cmake --build $(SAN_DIR) -j$(JOBS)

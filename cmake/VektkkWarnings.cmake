@@ -1,5 +1,6 @@
-# Warning set shared by every target of the project. Warnings are errors unless
-# VEKTKK_WERROR is switched off (for example when trying a newer compiler).
+# Warning set shared by every target of the project. Warnings become errors
+# with VEKTKK_WERROR, which the project's own builds set; a release built by
+# a host or a distribution, perhaps with a newer compiler, only warns.
 add_library(vektkk_warnings INTERFACE)
 target_compile_options(vektkk_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion

@@ -7,6 +7,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -59,11 +60,10 @@ struct Rec {
 
 // Header (tag zero-padded, size), payload, CRC of header and payload.
 Bytes Atom(const std::string& tag, const Bytes& payload) {
-  Bytes a(8, 0);
+  Bytes a(8 + payload.size() + 4, 0);
   memcpy(a.data(), tag.data(), tag.size());
   PutLe(a, 4, payload.size(), 4);
-  a.insert(a.end(), payload.begin(), payload.end());
-  a.resize(a.size() + 4);
+  std::copy(payload.begin(), payload.end(), a.begin() + 8);
   PutLe(a, a.size() - 4, Crc32(a.data(), a.size() - 4), 4);
   return a;
 }
