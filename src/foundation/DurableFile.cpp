@@ -2,14 +2,19 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <stdio.h>
-#include <time.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include "foundation/TempFiles.h"
 
 namespace vektkk {
 namespace {
 
-std::string NomeDi(const std::string& path) { return path.substr(CartellaDi(path).size()); }
+// Symbolic links followed before giving up, as the kernel does.
+constexpr int kMassimoCollegamenti = 40;
 
 bool ScriviTutto(int fd, const unsigned char* data, size_t size) {
   while (size > 0) {
@@ -32,30 +37,53 @@ bool SincronizzaCartella(const std::string& dir) {
   return ok;
 }
 
-// Opens a new temporary file beside `path`, created with mode 0666 less the
-// umask like any file the library makes. The name comes from the process id,
-// a counter and the clock: rand() belongs to the host and is never touched.
-int ApriTemporaneo(const std::string& path, std::string& temp) {
-  static unsigned long contatore = 0;
-  for (int tentativo = 0; tentativo < 100; ++tentativo) {
-    timespec ora;
-    clock_gettime(CLOCK_MONOTONIC, &ora);
-    char suffisso[64];
-    snprintf(suffisso, sizeof suffisso, ".tmp.%ld.%lu.%ld", static_cast<long>(getpid()),
-             ++contatore, static_cast<long>(ora.tv_nsec));
-    temp = CartellaDi(path) + "." + NomeDi(path) + suffisso;
-    const int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (fd >= 0 || errno != EEXIST) return fd;
+// The file that opening `path` for writing would reach: symbolic links are
+// followed, a relative one from its own directory. A dangling link gives the
+// path it names, which the save then creates.
+bool SeguiCollegamenti(const std::string& path, std::string& fine) {
+  fine = path;
+  for (int salti = 0; salti < kMassimoCollegamenti; ++salti) {
+    struct stat st;
+    if (lstat(fine.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) return true;
+    char destinazione[PATH_MAX];
+    const ssize_t n = readlink(fine.c_str(), destinazione, sizeof destinazione);
+    if (n <= 0 || static_cast<size_t>(n) >= sizeof destinazione) return false;
+    const std::string collegato(destinazione, static_cast<size_t>(n));
+    fine = collegato[0] == '/' ? collegato : CartellaDi(fine) + collegato;
   }
-  return -1;
+  return false;
+}
+
+enum class Bersaglio { Assente, Scrivibile, Rifiutato };
+
+// Whether the caller may replace `path`: only a regular file that it could
+// open for writing. Opening without truncation changes nothing; O_NONBLOCK
+// keeps a FIFO from waiting for a reader.
+Bersaglio Esamina(const std::string& path, struct stat& st) {
+  const int fd = open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (fd < 0) return errno == ENOENT ? Bersaglio::Assente : Bersaglio::Rifiutato;
+  const bool regolare = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+  close(fd);
+  return regolare ? Bersaglio::Scrivibile : Bersaglio::Rifiutato;
 }
 
 // Writes the bytes to a new temporary file beside `path` and flushes them;
-// returns its name, or "" (with nothing left behind) on failure.
-std::string ScriviTemporaneo(const std::string& path, const void* data, size_t size) {
+// returns its name, or "" (with nothing left behind) on failure. With
+// `vecchio` the file takes that file's owner, group and permission bits
+// before its bytes reach the device; it is created private until then.
+std::string ScriviTemporaneo(const std::string& path, const void* data, size_t size,
+                             const struct stat* vecchio) {
   std::string temp;
-  const int fd = ApriTemporaneo(path, temp);
+  const int fd = ApriTemporaneo(path, vecchio != nullptr ? 0600 : 0666, temp);
   if (fd < 0) return "";
+  if (vecchio != nullptr) {
+    // Owner and group only where the process may give them; the group
+    // alone where it may not give the owner. Modes go last: a change of
+    // owner may clear some of them.
+    if (fchown(fd, vecchio->st_uid, vecchio->st_gid) != 0)
+      (void)!fchown(fd, static_cast<uid_t>(-1), vecchio->st_gid);
+    (void)fchmod(fd, vecchio->st_mode & 0777);
+  }
   bool ok = ScriviTutto(fd, static_cast<const unsigned char*>(data), size);
   ok = ok && fsync(fd) == 0;
   ok = close(fd) == 0 && ok;
@@ -66,11 +94,36 @@ std::string ScriviTemporaneo(const std::string& path, const void* data, size_t s
   return temp;
 }
 
-// Gives the complete temporary file the name `path` only if no file has
-// it, in one step. link() never replaces a name; file systems without hard
-// links (the FAT family of memory cards) get an exclusive rename instead, or,
-// where even that is missing, an empty placeholder created exclusively and
-// then replaced by the rename. Consumes `temp` on success.
+// Takes the lock file of `path` for this process alone. A lock file that
+// was removed or replaced while waiting for it no longer carries the name:
+// the wait starts again on the new one. The kernel releases the lock of a
+// process that dies, so a killed save never blocks the next one.
+int PrendiLucchetto(const std::string& path) {
+  const std::string nome = NomeLucchetto(path);
+  for (;;) {
+    const int fd = open(nome.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (fd < 0) return -1;
+    int esito;
+    do esito = flock(fd, LOCK_EX);
+    while (esito != 0 && errno == EINTR);
+    struct stat preso, attuale;
+    if (esito != 0 || fstat(fd, &preso) != 0) {
+      close(fd);
+      return -1;
+    }
+    if (stat(nome.c_str(), &attuale) == 0 && attuale.st_ino == preso.st_ino &&
+        attuale.st_dev == preso.st_dev)
+      return fd;
+    close(fd);
+  }
+}
+
+// Gives the complete temporary file the name `path` only if no file has it,
+// in one step. link() never replaces a name; file systems without hard links
+// (the FAT family of memory cards) get an exclusive rename instead, and where
+// even that is missing the name is claimed under a lock file beside it: the
+// name is checked and the rename made while holding the lock, so the track's
+// name only ever appears with the complete file. Consumes `temp` on success.
 EsitoCreazione Rivendica(const std::string& temp, const std::string& path) {
   if (link(temp.c_str(), path.c_str()) == 0) {
     unlink(temp.c_str());
@@ -82,12 +135,19 @@ EsitoCreazione Rivendica(const std::string& temp, const std::string& path) {
     return EsitoCreazione::Creato;
   if (errno == EEXIST) return EsitoCreazione::GiaEsistente;
   if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) return EsitoCreazione::Errore;
-  const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  if (fd < 0) return errno == EEXIST ? EsitoCreazione::GiaEsistente : EsitoCreazione::Errore;
-  close(fd);
-  if (rename(temp.c_str(), path.c_str()) == 0) return EsitoCreazione::Creato;
-  unlink(path.c_str());
-  return EsitoCreazione::Errore;
+
+  const int lucchetto = PrendiLucchetto(path);
+  if (lucchetto < 0) return EsitoCreazione::Errore;
+  struct stat st;
+  EsitoCreazione esito = EsitoCreazione::Errore;
+  if (lstat(path.c_str(), &st) == 0 || errno != ENOENT)
+    esito = EsitoCreazione::GiaEsistente;
+  else if (rename(temp.c_str(), path.c_str()) == 0)
+    esito = EsitoCreazione::Creato;
+  // Removed while still held: a waiter finds the name gone and starts over.
+  unlink(NomeLucchetto(path).c_str());
+  close(lucchetto);
+  return esito;
 }
 
 }  // namespace
@@ -97,8 +157,15 @@ std::string CartellaDi(const std::string& path) {
   return sep == std::string::npos ? std::string() : path.substr(0, sep + 1);
 }
 
-bool ScriviFileAtomico(const std::string& path, const void* data, size_t size) {
-  const std::string temp = ScriviTemporaneo(path, data, size);
+bool ScriviFileAtomico(const std::string& richiesto, const void* data, size_t size) {
+  std::string path;
+  if (!SeguiCollegamenti(richiesto, path)) return false;
+  struct stat vecchio;
+  const Bersaglio bersaglio = Esamina(path, vecchio);
+  if (bersaglio == Bersaglio::Rifiutato) return false;
+  PulisciAvanzi(CartellaDi(path));
+  const std::string temp = ScriviTemporaneo(
+      path, data, size, bersaglio == Bersaglio::Scrivibile ? &vecchio : nullptr);
   if (temp.empty()) return false;
   if (rename(temp.c_str(), path.c_str()) != 0) {
     unlink(temp.c_str());
@@ -111,7 +178,8 @@ bool ScriviFileAtomico(const std::string& path, const void* data, size_t size) {
 }
 
 EsitoCreazione CreaFileEsclusivo(const std::string& path, const void* data, size_t size) {
-  const std::string temp = ScriviTemporaneo(path, data, size);
+  PulisciAvanzi(CartellaDi(path));
+  const std::string temp = ScriviTemporaneo(path, data, size, nullptr);
   if (temp.empty()) return EsitoCreazione::Errore;
   const EsitoCreazione esito = Rivendica(temp, path);
   if (esito != EsitoCreazione::Creato) unlink(temp.c_str());

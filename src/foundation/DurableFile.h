@@ -9,8 +9,16 @@
 // file or the complete new one. The bytes go to a temporary file in the
 // target's directory, are flushed to the device, and the temporary file then
 // takes the target's name in one step; the directory is flushed last. On
-// failure the target is untouched and no temporary file remains (a process
-// killed mid-write may leave one, named ".<target>.tmp.<pid>.<n>.<ns>").
+// failure the target is untouched and no temporary file remains.
+//
+// A process killed mid-write leaves its temporary file behind, named
+// ".<target>.tmp.<pid>.<n>.<ns>". The first save of each process into a
+// directory removes those whose process is gone; nothing else is touched.
+//
+// Replacing keeps what truncating the file in place would keep: a target the
+// caller may not open for writing is refused, the new file takes the old
+// one's permission bits (and owner and group, where the process may set them),
+// and a symbolic link is followed, so that the file it points to is replaced.
 namespace vektkk {
 
 // Replaces (or creates) `path` with `size` bytes from `data`.

@@ -13,6 +13,8 @@ bool g_failDecoder = false;
 bool g_failEncoder = false;
 bool g_noLinks = false;
 bool g_noExclusiveRename = false;
+unsigned g_renameDelayUs = 0;
+unsigned long g_accessCalls = 0;
 }  // namespace
 
 void FailDecoderCreation(bool fail) { g_failDecoder = fail; }
@@ -21,6 +23,9 @@ void NoHardLinks(bool noLinks, bool noExclusiveRename) {
   g_noLinks = noLinks;
   g_noExclusiveRename = noExclusiveRename;
 }
+void SlowRename(unsigned microseconds) { g_renameDelayUs = microseconds; }
+void ResetAccessCount() { g_accessCalls = 0; }
+unsigned long AccessCount() { return g_accessCalls; }
 
 }  // namespace faults
 
@@ -39,6 +44,20 @@ IAtomTagEncoderBin* __wrap__ZN18IAtomTagEncoderBin8CreateMeEv() {
 }
 
 int __real_link(const char* from, const char* to);
+int __real_rename(const char* from, const char* to);
+int __real_access(const char* path, int mode);
+int __real_usleep(useconds_t us);
+
+int __wrap_rename(const char* from, const char* to) {
+  if (faults::g_renameDelayUs != 0) __real_usleep(faults::g_renameDelayUs);
+  return __real_rename(from, to);
+}
+
+int __wrap_access(const char* path, int mode) {
+  ++faults::g_accessCalls;
+  return __real_access(path, mode);
+}
+
 int __real_renameat2(int olddirfd, const char* from, int newdirfd, const char* to, unsigned flags);
 
 int __wrap_link(const char* from, const char* to) {

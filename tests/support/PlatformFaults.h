@@ -14,6 +14,13 @@ void FailEncoderCreation(bool fail);
 // RENAME_NOREPLACE either (EINVAL).
 void NoHardLinks(bool noLinks, bool noExclusiveRename = false);
 
+// Every rename() sleeps this long first, widening the moment a kill can hit.
+void SlowRename(unsigned microseconds);
+
+// Calls of access() since the last reset: the library's probes for names.
+void ResetAccessCount();
+unsigned long AccessCount();
+
 }  // namespace faults
 
 #endif  // VEKTKK_TESTS_SUPPORT_PLATFORMFAULTS_H

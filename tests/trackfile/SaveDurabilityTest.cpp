@@ -26,6 +26,7 @@
 #include <vector>
 
 #include "CFileTkk.h"
+#include "support/PlatformFaults.h"
 #include "support/TrackFixtures.h"
 
 namespace {
@@ -159,12 +160,54 @@ TEST_P(KilledSave, LeavesOneCompleteVersion) {
   // Some kills must have come after a complete save, or the test saw nothing.
   EXPECT_GT(changes, 0);
 
-  // Leftover temporary files do not hinder the next save.
-  ASSERT_EQ(kNome, way.save(*tracks[0], dir.path()));
-  EXPECT_EQ(clean[0].at(kTrack), fixtures::ReadAll(dir.path() + kTrack));
+  // The next process to save there removes what killed saves left, and
+  // only that.
+  ASSERT_EQ(0, InChild([&] { return way.save(*tracks[0], dir.path()) == kNome ? 0 : 1; }));
+  EXPECT_EQ(clean[0], Take(dir.path()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, KilledSave, ::testing::Values(kGiven, kLogoApart), Label);
+
+// --- Generated names on memory cards ------------------------------------------
+
+// Without hard links and without RENAME_NOREPLACE a generated name was once
+// claimed by an empty placeholder that the rename then replaced: a kill in
+// between left an empty track. Renames are slowed to make that moment wide.
+TEST(KilledGeneratedSave, NeverLeavesAnIncompleteTrack) {
+  TempDir dir;
+  const std::unique_ptr<CFileTkk> track = MakeTrack(8, 500, 2000);
+  faults::NoHardLinks(true, true);
+  faults::SlowRename(2000);
+  std::mt19937 rng(20261124);
+  std::uniform_int_distribution<int> delayUs(500, 6000);
+  for (int kill = 0; kill < 60; ++kill) {
+    const pid_t pid = fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+      alarm(20);
+      for (;;)
+        if (track->SalvaFileInPath(dir.path(), nullptr).empty()) _exit(1);
+    }
+    std::this_thread::sleep_for(std::chrono::microseconds(delayUs(rng)));
+    ::kill(pid, SIGKILL);
+    int status = 0;
+    waitpid(pid, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status)) << "the saving child stopped by itself, status " << status;
+  }
+  faults::SlowRename(0);
+  ASSERT_EQ(0, InChild([&] { return track->SalvaFileInPath(dir.path(), nullptr).empty(); }));
+  faults::NoHardLinks(false);
+  const std::vector<std::string> entries = dir.Entries();
+  EXPECT_GT(entries.size(), 1u);
+  for (const std::string& entry : entries) {
+    if (IsTemporary(entry)) {
+      ADD_FAILURE() << entry << " was not cleaned up";
+      continue;
+    }
+    const std::unique_ptr<IFileTkk> back(IFileTkk::CreateMeUponFile(dir.path() + entry, true, true));
+    EXPECT_TRUE(back->IsGood()) << entry;
+  }
+}
 
 // --- Generated names under contention ---------------------------------------
 
@@ -260,6 +303,69 @@ TEST_P(RefusedSave, ReadOnlyDirectoryKeepsOldFile) {
 
 INSTANTIATE_TEST_SUITE_P(Ways, RefusedSave, ::testing::Values(kGiven, kGenerated, kLogoApart),
                          Label);
+
+// --- Replacing a file: the permissions of truncation -----------------------
+
+class ReplacingSave : public ::testing::TestWithParam<SaveWay> {};
+
+// A save used to rename a new file over the old one whatever the old one
+// was: it turned a private file public, dropped its owner and replaced a
+// link by a file. The new files keep mode, owner and group, and a link is
+// followed to the file it names.
+TEST_P(ReplacingSave, KeepsModeOwnerAndLinks) {
+  TempDir dir;
+  const std::unique_ptr<CFileTkk> old = MakeTrack(9, 100, 1000);
+  const std::unique_ptr<CFileTkk> next = MakeTrack(10, 100, 1000);
+  ASSERT_FALSE(GetParam().save(*old, dir.path()).empty());
+  const bool root = geteuid() == 0;
+  for (const std::string& entry : dir.Entries()) {
+    const std::string path = dir.path() + entry;
+    ASSERT_EQ(0, chmod(path.c_str(), 0640));
+    ASSERT_TRUE(!root || chown(path.c_str(), 4321, 4322) == 0);
+  }
+  ASSERT_EQ(0, rename((dir.path() + kTrack).c_str(), (dir.path() + "real").c_str()));
+  ASSERT_EQ(0, symlink("real", (dir.path() + kTrack).c_str()));
+
+  ASSERT_FALSE(GetParam().save(*next, dir.path()).empty());
+  struct stat st;
+  ASSERT_EQ(0, lstat((dir.path() + kTrack).c_str(), &st));
+  EXPECT_TRUE(S_ISLNK(st.st_mode)) << "the link was replaced";
+  TempDir fresh;
+  GetParam().save(*next, fresh.path());
+  EXPECT_EQ(fixtures::ReadAll(fresh.path() + kTrack), fixtures::ReadAll(dir.path() + "real"));
+  for (const std::string& entry : dir.Entries()) {
+    ASSERT_EQ(0, lstat((dir.path() + entry).c_str(), &st));
+    if (S_ISLNK(st.st_mode)) continue;
+    EXPECT_EQ(0640u, st.st_mode & 07777) << entry;
+    if (root) {
+      EXPECT_EQ(4321u, st.st_uid) << entry;
+      EXPECT_EQ(4322u, st.st_gid) << entry;
+    }
+  }
+}
+
+// A read-only track in a directory anyone may write was replaced by a
+// process that could not have truncated it.
+TEST_P(ReplacingSave, RefusesAFileTheCallerMayNotWrite) {
+  TempDir dir;
+  const std::unique_ptr<CFileTkk> old = MakeTrack(11, 100, 1000);
+  ASSERT_FALSE(GetParam().save(*old, dir.path()).empty());
+  ASSERT_EQ(0, chmod((dir.path() + kTrack).c_str(), 0444));
+  ASSERT_EQ(0, chmod(dir.path().c_str(), 0777));
+  const Snapshot before = Take(dir.path());
+  const std::unique_ptr<CFileTkk> track = MakeTrack(12, 100, 1000);
+  const int code = InChild([&] {
+    const gid_t nobody = 65534;
+    if (geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(nobody) != 0 || setuid(nobody) != 0))
+      return 2;
+    return GetParam().save(*track, dir.path()).empty() ? 0 : 1;
+  });
+  ASSERT_NE(2, code) << "could not drop privileges";
+  EXPECT_EQ(0, code) << "the save did not fail";
+  EXPECT_EQ(before, Take(dir.path()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, ReplacingSave, ::testing::Values(kGiven, kLogoApart), Label);
 
 // --- Writing cut short --------------------------------------------------------
 
