@@ -1,4 +1,5 @@
 // Loading a logo image for the main variant.
+#include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,7 +19,8 @@ uint32_t CFileTkk::SaveTrackFileLogoBuffer(std::vector<unsigned char>& buffer,
     return 0;
   }
   buffer.clear();
-  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  // Only a regular file is read; O_NONBLOCK keeps a FIFO from waiting.
+  const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (fd < 0) return 0;
   uint32_t letti = 0;
   struct stat st;

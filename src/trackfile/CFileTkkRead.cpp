@@ -33,7 +33,9 @@ constexpr uint64_t kDimensioneMassima = 0xFFFFFFFFu;
 EsitoLettura LeggiTutto(const std::string& path, std::unique_ptr<unsigned char[]>& buffer,
                         uint64_t& size) {
   size = 0;
-  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  // O_NONBLOCK: a FIFO or a device must not keep the open waiting; only a
+  // regular file is read, and its reads ignore the flag.
+  const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (fd < 0) return EsitoLettura::NonApribile;
   struct stat st;
   if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
@@ -140,6 +142,7 @@ bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
     }
 
     // First pass: road-surface lists, shapes and logos, in file order.
+    vektkk::NumeriLogo numeriLogo;
     for (const SAtomTag& a : atoms) {
       if (a.Tag == kTagFondi && a.Dim != 0 && a.Dim % kSizeFondo == 0) {
         auto* fondi = new SFondiStradali;
@@ -152,7 +155,7 @@ bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
         punti->Punti.resize(a.Dim / kSizePunto);
         memcpy(punti->Punti.data(), a.Dati, a.Dim);
       } else if (a.Tag == kTagLogo && !SenzaLogo) {
-        Loghi.push_back(vektkk::LogoDaAtomo(a.Dati, a.Dim, path, nuovoNomeLogo));
+        Loghi.push_back(vektkk::LogoDaAtomo(a.Dati, a.Dim, path, nuovoNomeLogo, numeriLogo));
       }
     }
 

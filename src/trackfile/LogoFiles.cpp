@@ -24,11 +24,11 @@ bool NomeSicuro(const std::string& nome) {
 }
 
 void ScriviImmagine(const SLogo& logo, const std::string& cartella, const std::string& base,
-                    const std::string& estensione, bool nuovoNomeLogo) {
+                    const std::string& estensione, bool nuovoNomeLogo, NumeriLogo& numeri) {
   // An image file counts as there when it opens for reading and writing;
   // one that exists but does not open so is neither replaced nor copied.
   // Most reads find the image there: nothing is written then.
-  const int fd = open(logo.NomeFile.c_str(), O_RDWR | O_CLOEXEC);
+  const int fd = open(logo.NomeFile.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (fd >= 0) {
     close(fd);
     if (!nuovoNomeLogo) return;
@@ -38,10 +38,13 @@ void ScriviImmagine(const SLogo& logo, const std::string& cartella, const std::s
         CreaFileEsclusivo(logo.NomeFile, logo.Dati.data(), logo.Dati.size());
     if (esito != EsitoCreazione::GiaEsistente || !nuovoNomeLogo) return;
   }
-  for (unsigned long n = 1;; ++n) {
+  // Numbers below the one remembered were found taken or taken by this read.
+  unsigned long& n = numeri.emplace(logo.NomeFile, 1).first->second;
+  for (;; ++n) {
     const std::string numerato = cartella + base + std::to_string(n) + estensione;
     if (Esiste(numerato)) continue;
     const EsitoCreazione e = CreaFileEsclusivo(numerato, logo.Dati.data(), logo.Dati.size());
+    if (e == EsitoCreazione::Creato) ++n;
     if (e != EsitoCreazione::GiaEsistente) return;
   }
 }
@@ -54,7 +57,7 @@ std::string NomeSenzaCartella(const std::string& path) {
 }
 
 SLogo* LogoDaAtomo(const unsigned char* dati, uint32_t dim, const std::string& trackPath,
-                   bool nuovoNomeLogo) {
+                   bool nuovoNomeLogo, NumeriLogo& numeri) {
   auto* logo = new SLogo;
   const unsigned char* zero =
       dim == 0 ? nullptr : static_cast<const unsigned char*>(memchr(dati, 0, dim));
@@ -76,7 +79,7 @@ SLogo* LogoDaAtomo(const unsigned char* dati, uint32_t dim, const std::string& t
   // The stored name is a bare file name; one that would lead out of the
   // track's directory is kept in memory but never written to.
   if (logo->Dati.size() > kMinimoImmagineSuDisco && NomeSicuro(nome))
-    ScriviImmagine(*logo, cartella, base, estensione, nuovoNomeLogo);
+    ScriviImmagine(*logo, cartella, base, estensione, nuovoNomeLogo, numeri);
   return logo;
 }
 

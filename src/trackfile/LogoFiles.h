@@ -4,6 +4,7 @@
 #include <stdint.h>
 
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "TrackMemoryRecords.h"
@@ -12,13 +13,18 @@
 // the image) and kept as image files beside the track file.
 namespace vektkk {
 
+// The numbers already given to the images of one read, per name without the
+// number: the next image of that name looks for a free number from there on,
+// not from 1 again, so a file with many logos of one name costs linear time.
+using NumeriLogo = std::unordered_map<std::string, unsigned long>;
+
 // Builds the logo of one "lgo" payload read from the track file at
 // `trackPath`, and writes its image beside the track file when it has more
 // than 5 bytes: under its own name when no such file exists yet, or, with
 // `nuovoNomeLogo`, under the first free numbered name (base + n +
 // extension). The logo's NomeFile keeps the name without a number.
 SLogo* LogoDaAtomo(const unsigned char* dati, uint32_t dim, const std::string& trackPath,
-                   bool nuovoNomeLogo);
+                   bool nuovoNomeLogo, NumeriLogo& numeri);
 
 // The "lgo" payload of a logo: the file-name part of its NomeFile in UTF-8,
 // a zero byte, then the image.

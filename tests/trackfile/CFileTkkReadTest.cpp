@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <string.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <memory>
@@ -140,6 +141,23 @@ TEST_F(ReadTest, FailuresAreReportedWithTheirMessage) {
   }
 }
 
+// A FIFO named like a track, or a device, used to keep the open waiting for
+// a writer for ever; as a logo it did the same.
+TEST_F(ReadTest, SpecialFilesAreRefusedAtOnce) {
+  const std::string fifo = dir_.path() + "0k3f9zq1.tkk";
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
+  alarm(20);  // a wait ends the test here
+  for (const std::string& path : {fifo, std::string("/dev/null")}) {
+    evtrec::Reset(true);
+    EXPECT_FALSE(Open(path)->IsGood());
+    ExpectOneReport("ERROR", "Can't open file " + path);
+    std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
+    track->SetTrackLogo(path);
+    EXPECT_EQ(0xFFFF, track->GetTagInfo()->Indici.IdxLogo) << path;
+  }
+  alarm(0);
+}
+
 TEST_F(ReadTest, AFailedReadLeavesNoVariantAndTheFilesSize) {
   std::unique_ptr<CFileTkk> track = Open(Write(FileBuilder().Info().Fw().Idx().bytes()));
   ASSERT_TRUE(track->IsGood());
@@ -250,6 +268,25 @@ TEST_F(ReadTest, LogosAreLoadedAndWrittenBesideTheTrack) {
   EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge1.png"), image);
   EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge2.png"), image);
   EXPECT_EQ(*track->GetTrackLogo(), dir_.path() + "badge.png");
+}
+
+// Each image of a name looks for its number from where the previous one
+// stopped: a file with many logos of one name used to probe 1, 2, ... again
+// for every logo, quadratic in their number.
+TEST_F(ReadTest, NumberedLogoNamesAreProbedOnce) {
+  constexpr unsigned kLogos = 200;
+  FileBuilder file;
+  file.Info();
+  for (unsigned i = 0; i < kLogos; ++i) file.Logo("badge.png", Bytes(8, static_cast<unsigned char>(i)));
+  const std::string path = Write(file.Fw().Idx(0xFFFF, 0).bytes());
+  std::unique_ptr<CFileTkk> track = Open(path);
+  faults::ResetAccessCount();
+  ASSERT_TRUE(track->LeggiFile(path, true));
+  EXPECT_LT(faults::AccessCount(), 3u * kLogos);
+  // The same names as probing from 1: badge.png held logo 0 from the first
+  // read, this read numbered all 200 from badge1.png on.
+  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge200.png"), Bytes(8, kLogos - 1));
+  EXPECT_EQ(access((dir_.path() + "badge201.png").c_str(), F_OK), -1);
 }
 
 TEST_F(ReadTest, SomeImagesStayInMemoryOnly) {
