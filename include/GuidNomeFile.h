@@ -21,7 +21,10 @@ class VEKTKK_API IGuidNomeFile {
   // consecutive values share their second, flags and a zero random byte, so
   // in practice it is reset on almost every call: two calls within one second
   // may repeat a name, and callers that need a free name must check.
-  // Not thread-safe: the host serialises calls (process-wide state, no lock).
+  // Safe from any number of threads at once. The process-wide memory of
+  // issued names is guarded by a private leaf lock, held only to look a value
+  // up and insert it, never across a call out (clock, rand(), usleep(), text
+  // conversion), so it cannot deadlock with any lock of the host's.
   static std::string GetNomeFile(bool isVek, bool isDev);
   // Decodes the first 8 characters of `name` (anything after them, such as
   // ".tkk", is ignored). False, with nothing written, for a name shorter than

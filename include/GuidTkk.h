@@ -31,7 +31,11 @@ class VEKTKK_API IGuidTkk {
   // same second with the same flags never return the same value: on a
   // repeated random number the call sleeps 25 ms and draws again. Only GUIDs
   // of the current second and flags are remembered.
-  // Not thread-safe: the host serialises calls (process-wide state, no lock).
+  // Safe from any number of threads at once: the GUIDs are unique across all
+  // of them. The process-wide memory of issued GUIDs is guarded by a private
+  // leaf lock, held only to look a value up and insert it, never across a
+  // call out (clock, rand(), usleep(), the event log), so it cannot deadlock
+  // with any lock of the host's. Hosts that serialise their calls may go on.
   static _UGuidTkk GetGuidTkk(bool isVek, bool isDev);
   // Decodes a GUID: writes only year, month, day, hour, minute and second of
   // `t`, and both flags. Always true.

@@ -20,6 +20,13 @@ struct STagDatiPlus;
 //
 // Objects are made only by the factories; the caller owns them and deletes
 // them through the interface. No operation throws; failures are results.
+//
+// Threads: an object is used by one thread at a time; separate objects may
+// be used from separate threads at once. Three operations call the
+// process-wide identifier generators, which are safe from any thread:
+// AddTagInfoVariante of a variant without GUID (IGuidTkk::GetGuidTkk),
+// SalvaFileInPath with no name and TrasformaPistaUtenteInVek
+// (IGuidNomeFile::GetNomeFile). See docs/threads.md.
 class VEKTKK_API IFileTkk : public IVarianteTkk {
  public:
   // An empty, good track to be built in memory and saved. `readOnly` marks a

@@ -4,6 +4,7 @@
 #include <string.h>
 #include <unistd.h>
 
+#include <mutex>
 #include <set>
 
 #include "DataOraTkk.h"
@@ -17,11 +18,34 @@ constexpr uint64_t kRandomBits = 0xFFull;          // bits 0-7
 constexpr useconds_t kCollisionBackoffUs = 25000;  // 25 ms
 constexpr size_t kNameLength = 8;
 
-std::set<uint64_t>& IssuedNames() {
-  static std::set<uint64_t> issued;
+// Names issued, shared by every thread of the process and guarded by a lock
+// held only for one lookup and insertion (never while reading the clock,
+// drawing a number, sleeping or converting text).
+struct Issued {
+  std::mutex lock;
+  std::set<uint64_t> values;
+  uint64_t lastKey = 0;
+
+  // True when `value` may be issued; it is remembered then.
+  bool Take(uint64_t value) {
+    std::lock_guard<std::mutex> guard(lock);
+    // The whole value, not its key, is compared with the last key, so the
+    // memory of issued names survives only a value whose random byte is 0.
+    // Existing devices behave so; callers check that a name is free.
+    if (value != lastKey) {
+      lastKey = value & ~kRandomBits;
+      values.clear();
+      values.insert(value);
+      return true;
+    }
+    return values.insert(value).second;
+  }
+};
+
+Issued& IssuedNames() {
+  static Issued issued;
   return issued;
 }
-uint64_t g_lastKey = 0;
 
 uint64_t MakeValue(bool isVek, bool isDev) {
   unsigned char bytes[8];
@@ -34,21 +58,11 @@ uint64_t MakeValue(bool isVek, bool isDev) {
 }  // namespace
 
 std::string IGuidNomeFile::GetNomeFile(bool isVek, bool isDev) {
-  std::set<uint64_t>& issued = IssuedNames();
+  Issued& issued = IssuedNames();
   uint64_t value = 0;
   for (;;) {
     value = MakeValue(isVek, isDev);
-    const uint64_t key = value & ~kRandomBits;
-    // The whole value, not its key, is compared with the last key, so the
-    // memory of issued names survives only a value whose random byte is 0.
-    // Existing devices behave so; callers check that a name is free.
-    if (value != g_lastKey) {
-      g_lastKey = key;
-      issued.clear();
-      issued.insert(value);
-      break;
-    }
-    if (issued.insert(value).second) break;
+    if (issued.Take(value)) break;
     usleep(kCollisionBackoffUs);
   }
   unsigned char bytes[8];

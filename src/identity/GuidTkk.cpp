@@ -3,6 +3,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <mutex>
 #include <set>
 
 #include "DataOraTkk.h"
@@ -14,13 +15,34 @@ constexpr uint64_t kRandomBits = 0xFFFFull;        // bits 0-15
 constexpr uint64_t kTypeBit = 1ull << 47;
 constexpr useconds_t kCollisionBackoffUs = 25000;  // 25 ms
 
-// GUIDs issued under the current key (second and flags). Created on first
-// use, destroyed at exit; never more than 65,536 values.
-std::set<uint64_t>& IssuedGuids() {
-  static std::set<uint64_t> issued;
+// GUIDs issued under the current key (second and flags), shared by every
+// thread of the process. Created on first use, destroyed at exit; never more
+// than 65,536 values. The lock guards only the key and the set: it is taken
+// for one lookup and insertion, never while reading the clock, drawing a
+// number, sleeping or reporting, so it cannot wait on anything of the host's.
+struct Issued {
+  std::mutex lock;
+  std::set<uint64_t> values;
+  uint64_t lastKey = 0;
+
+  // True when `guid` was not issued under its key before; it is now.
+  bool Take(uint64_t guid, uint64_t key) {
+    std::lock_guard<std::mutex> guard(lock);
+    if (key != lastKey) {
+      // A new second or other flags: what was issued before is forgotten.
+      lastKey = key;
+      values.clear();
+      values.insert(guid);
+      return true;
+    }
+    return values.insert(guid).second;
+  }
+};
+
+Issued& IssuedGuids() {
+  static Issued issued;
   return issued;
 }
-uint64_t g_lastKey = 0;
 
 _UGuidTkk MakeGuid(bool isVek, bool isDev) {
   _UGuidTkk guid;
@@ -33,18 +55,10 @@ _UGuidTkk MakeGuid(bool isVek, bool isDev) {
 }  // namespace
 
 _UGuidTkk IGuidTkk::GetGuidTkk(bool isVek, bool isDev) {
-  std::set<uint64_t>& issued = IssuedGuids();
+  Issued& issued = IssuedGuids();
   for (;;) {
     const _UGuidTkk guid = MakeGuid(isVek, isDev);
-    const uint64_t key = guid.Valore & ~kRandomBits;
-    if (key != g_lastKey) {
-      // A new second or other flags: what was issued before is forgotten.
-      g_lastKey = key;
-      issued.clear();
-      issued.insert(guid.Valore);
-      return guid;
-    }
-    if (issued.insert(guid.Valore).second) return guid;
+    if (issued.Take(guid.Valore, guid.Valore & ~kRandomBits)) return guid;
     // Same second, same flags, same random number: wait and draw again, until
     // the second changes if every random number of this one is taken.
     usleep(kCollisionBackoffUs);
