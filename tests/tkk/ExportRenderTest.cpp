@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <pugixml.hpp>
+#include <sstream>
 
 #include "BadInput.h"
 #include "Export.h"
@@ -50,11 +52,17 @@ TEST(Export, KmlHasAFolderEachForOutlinesReferencesAndLines) {
   ASSERT_TRUE(doc.load_string(ExportTrack(*track, ExportFormat::kKml).c_str()));
   const pugi::xml_node folders = doc.child("kml").child("Document");
   size_t placemarks[3] = {0, 0, 0};
+  std::string names;
   size_t i = 0;
   for (const pugi::xml_node& folder : folders.children("Folder")) {
+    names += std::string(folder.child_value("name")) + ";";
     placemarks[i++] = static_cast<size_t>(std::distance(folder.children("Placemark").begin(),
                                                         folder.children("Placemark").end()));
   }
+  EXPECT_EQ(names, "Outlines;Reference points;Beacon lines;");
+  std::istringstream coordinates(
+      folders.child("Folder").child("Placemark").child("LineString").child_value("coordinates"));
+  EXPECT_EQ(std::distance(std::istream_iterator<std::string>(coordinates), {}), 4);
   EXPECT_EQ(placemarks[0], 2u);
   EXPECT_EQ(placemarks[1], 2u);
   EXPECT_EQ(placemarks[2], 2u);  // one finish line per variant
@@ -68,6 +76,23 @@ TEST(Render, DrawsTheOutlineLinesAndLabels) {
   const pugi::xml_node svg = doc.child("svg");
   EXPECT_EQ(std::string(svg.child("title").text().as_string()), "Sample & <Co> – National");
   EXPECT_TRUE(svg.find_child_by_attribute("line", "stroke", "#d01010"));  // the finish line
+  // Everything drawn and written lies on the picture.
+  std::istringstream outline(svg.find_child_by_attribute("path", "stroke", "#3a3a3a").attribute("d").value());
+  size_t points = 0;
+  for (std::string step; outline >> step;) {
+    if (step == "Z") continue;
+    const double x = std::stod(step.substr(1));
+    const double y = std::stod(step.substr(step.find(',') + 1));
+    EXPECT_TRUE(x > 40 && x < 760 && y > 90 && y < 720) << step;
+    ++points;
+  }
+  EXPECT_EQ(points, 3u);
+  std::string labels = ";";
+  for (const pugi::xml_node& text : svg.children("text")) {
+    EXPECT_TRUE(text.attribute("x").as_double() > 0 && text.attribute("x").as_double() < 800);
+    labels += std::string(text.child_value()) + ";";
+  }
+  EXPECT_NE(labels.find(";Finish;"), std::string::npos) << labels;
   EXPECT_EQ(std::distance(svg.children("polygon").begin(), svg.children("polygon").end()), 6);
   EXPECT_THROW(RenderSvg(*track, 2), BadInput);
   const std::pair<double, double> bars[] = {{0.0, 1.0}, {1.0, 1.0}, {480.0, 200.0}, {999.0, 500.0}, {1000.0, 1000.0}};

@@ -41,11 +41,15 @@ TEST(Geodesy, CentroidIgnoresHowDenselyASideWasDrawn) {
   EXPECT_NEAR(HaversineM(Centroid(dense), centre), 0.0, 0.5);
   EXPECT_NEAR(HaversineM(centre, {square[0].lat, square[0].lon}), 707.0, 2.0);
   EXPECT_DOUBLE_EQ(Centroid({{1.0, 2.0, 3.0}, {1.0, 2.0, 5.0}}).alt, 4.0);  // no length: mean
+  for (GeoPoint& p : square) p.alt = 100.0;
+  EXPECT_NEAR(Centroid(square).alt, 100.0, 1e-9);
 }
 
 TEST(Geodesy, CrossLineIsAcrossTheDirectionOfTravel) {
-  // Going east along the south side, after a repeated first point.
+  // Going east along the south side, also after a repeated first point.
   std::vector<GeoPoint> square = Square(45.0, 7.0);
+  EXPECT_NEAR(TravelBearingDeg(square, square[0]), 90.0, 0.1);
+  EXPECT_NEAR(TravelBearingDeg(square, square[3]), 180.0, 0.1);  // the last continues with the first
   square.insert(square.begin(), square.front());
   EXPECT_NEAR(TravelBearingDeg(square, square[0]), 90.0, 0.1);
   const Segment line = CrossLine(square, square[0], 12.0);

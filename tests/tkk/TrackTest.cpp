@@ -11,6 +11,7 @@
 #include "Report.h"
 #include "TrackBuilder.h"
 #include "TrackReader.h"
+#include "Vocabulary.h"
 
 namespace tkk {
 namespace {
@@ -66,7 +67,12 @@ TEST(TrackBuilder, OvalsGetTheStandardKeyAndMakersTheirOwnSet) {
   NewTrackOptions options;
   options.type = TRACCIATO_OVAL;
   options.maker = true;
-  const auto track = BuildTrack(TwoLayouts(), options);
+  Circuit circuit = TwoLayouts();
+  circuit.nation = "US";
+  circuit.state = "FL";  // from the map file, no option overrides it
+  const auto track = BuildTrack(circuit, options);
+  EXPECT_EQ(FixedText(track->GetTagInfo()->InfoFw.SubNationCode, 4), "FL");
+  EXPECT_EQ(track->GetTimeZone(), -5);
   // 1.30 km of outline counts as 8/10 mi; the length stays the measured one.
   EXPECT_EQ(track->GetTrackLenghtKey(), LUNGHEZZA_8_10_MI);
   EXPECT_GT(track->GetTrackLenght(), 1300.0f);
@@ -78,16 +84,33 @@ TEST(TrackBuilder, RefusesCodesAFileCannotHold) {
   NewTrackOptions options;
   options.nation = "ITALY";
   EXPECT_THROW(BuildTrack(TwoLayouts(), options), BadInput);
+  EXPECT_EQ(CheckCode("NSW1", "state"), "NSW1");
+  EXPECT_THROW(CheckCode("N-1", "state"), BadInput);
   EXPECT_EQ(CutUtf8("Nürburgring", 2), "N");  // not half of the ü
   EXPECT_EQ(CutUtf8("Nürburgring", 3), "Nü");
+}
+
+TEST(Vocabulary, TypesAndSurfacesByNameOrKey) {
+  const std::pair<const char*, int> types[] = {{"kart track", 2}, {"Oval", 3}, {"3", 3}, {"10", 10}};
+  for (const auto& t : types) EXPECT_EQ(ParseTrackType(t.first), t.second) << t.first;
+  const std::pair<const char*, int> surfaces[] = {{"DIRT", 2}, {"16", 16}, {"Paved", 1}};
+  for (const auto& s : surfaces) EXPECT_EQ(ParseSurface(s.first), s.second) << s.first;
+  for (const char* bad : {"4", "0", "Tarmac", ""}) EXPECT_THROW(ParseTrackType(bad), BadInput) << bad;
+  EXPECT_THROW(ParseSurface("3"), BadInput);
 }
 
 TEST(TrackFiles, SavedTracksReopenAndUnreadableOnesAreBadInput) {
   TempDir dir;
   std::vector<std::unique_ptr<IFileTkk>> tracks;
   tracks.push_back(BuildTrack(TwoLayouts(), NewTrackOptions()));
+  std::ofstream(dir.path + "/logo.png", std::ios::binary) << std::string(20, 'x');
+  tracks[0]->SetTrackLogo(dir.path + "/logo.png");
   const std::vector<std::string> written = SaveTracks(tracks, dir.path);
   ASSERT_EQ(written.size(), 1u);
+  const std::vector<LogoEntry> logos = ListLogos(written[0]);
+  ASSERT_EQ(logos.size(), 1u);
+  EXPECT_EQ(logos[0].name, "logo.png");
+  EXPECT_EQ(logos[0].bytes, 20u);
   const auto back = OpenTrack(written[0]);
   EXPECT_EQ(back->GetVariantiTrack().size(), 2u);
   EXPECT_EQ(back->GetNomePista(), "Lungo");
