@@ -20,8 +20,13 @@ build: configure
 test: build
 	ctest --test-dir $(BUILD_DIR) --output-on-failure -j$(JOBS)
 
-demo: build
-	$(BUILD_DIR)/tools/demo/vektkk_demo
+# The build's own output goes to a log, so that the demo's few lines stand out.
+demo: configure
+	@mkdir -p $(BUILD_DIR)
+	@echo "Building (log: $(BUILD_DIR)/build.log) ..."
+	@cmake --build $(BUILD_DIR) -j$(JOBS) >$(BUILD_DIR)/build.log 2>&1 || \
+	  { tail -n 30 $(BUILD_DIR)/build.log; exit 1; }
+	@./tools/demo/run-demo.sh $(BUILD_DIR)
 
 # Every test again under AddressSanitizer and UndefinedBehaviorSanitizer
 # (packaging checks left out: they look at the release library).
