@@ -75,6 +75,12 @@ void CompletaLogo(SLogo& logo, const std::string& nome, const std::string& track
     ScriviImmagine(logo, cartella, base, estensione, nuovoNomeLogo, numeri);
 }
 
+bool LogoDaSalvare(const SLogo* logo) {
+  // Logos of this size or less are neither embedded nor written out.
+  constexpr size_t kMinimoLogo = 9;
+  return logo != nullptr && !logo->NomeFile.empty() && logo->Dati.size() > kMinimoLogo;
+}
+
 std::vector<unsigned char> PayloadLogo(const SLogo& logo) {
   const std::string nome = IStrConv::convert_stringa_to_utf8(NomeSenzaCartella(logo.NomeFile));
   std::vector<unsigned char> payload(nome.begin(), nome.end());

@@ -27,6 +27,10 @@ using NumeriLogo = std::unordered_map<std::string, unsigned long>;
 void CompletaLogo(SLogo& logo, const std::string& nome, const std::string& trackPath,
                   bool nuovoNomeLogo, NumeriLogo& numeri);
 
+// Whether a logo is saved, in the track file or as a file of its own: it
+// has a name and an image of more than 9 bytes.
+bool LogoDaSalvare(const SLogo* logo);
+
 // The "lgo" payload of a logo: the file-name part of its NomeFile in UTF-8,
 // a zero byte, then the image.
 std::vector<unsigned char> PayloadLogo(const SLogo& logo);
