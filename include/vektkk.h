@@ -22,6 +22,7 @@
 
 #include "platform/IAtomTagDecoderBin.h"
 #include "platform/IAtomTagEncoderBin.h"
+#include "platform/IAtomTagPieces.h"
 #include "platform/IStrConv.h"
 #include "platform/VekEvtContext.h"
 

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "AtomTagFormat.h"
+#include "AtomTagPieces.h"
 
 namespace {
 
@@ -14,7 +15,7 @@ using vekatomtag::kSizeFooter;
 using vekatomtag::kSizeHeader;
 using vekatomtag::kSizeTag;
 
-class AtomTagDecoderBin final : public IAtomTagDecoderBin {
+class AtomTagDecoderBin final : public IAtomTagDecoderBin, public vekatomtag::AtomTagPieces {
  public:
   bool decode(const unsigned char* buffer, size_t length,
               std::vector<SAtomTag>& atoms) override;
@@ -38,12 +39,8 @@ bool AtomTagDecoderBin::decode(const unsigned char* buffer, size_t length,
       const unsigned char* payload = p + kSizeHeader;
       if (vekatomtag::AtomCrc(p, payload, size) != GetLe32(payload + size)) return false;
 
-      // The tag runs up to the first zero of its four bytes.
-      const void* zero = memchr(p, 0, kSizeTag);
-      const size_t tagLength =
-          zero ? static_cast<size_t>(static_cast<const unsigned char*>(zero) - p) : kSizeTag;
       SAtomTag atom;
-      atom.Tag.assign(reinterpret_cast<const char*>(p), tagLength);
+      atom.Tag.assign(reinterpret_cast<const char*>(p), vekatomtag::TagLength(p));
       atom.Dati = payload;
       atom.Dim = size;
       atoms.push_back(atom);

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "AtomTagFormat.h"
+#include "AtomTagPieces.h"
 
 namespace {
 
@@ -15,7 +16,7 @@ using vekatomtag::kSizeHeader;
 using vekatomtag::kSizeTag;
 using vekatomtag::PutLe32;
 
-class AtomTagEncoderBin final : public IAtomTagEncoderBin {
+class AtomTagEncoderBin final : public IAtomTagEncoderBin, public vekatomtag::AtomTagPieces {
  public:
   bool append(std::vector<unsigned char>& out, const std::string& tag, const void* payload,
               uint32_t size, int flag) override;

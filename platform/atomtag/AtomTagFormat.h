@@ -29,6 +29,13 @@ inline uint32_t GetLe32(const unsigned char* p) {
          static_cast<uint32_t>(p[2]) << 16 | static_cast<uint32_t>(p[3]) << 24;
 }
 
+// Characters of the tag in a header: up to the first zero of its four bytes.
+inline size_t TagLength(const unsigned char* header) {
+  size_t n = 0;
+  while (n < kSizeTag && header[n] != 0) ++n;
+  return n;
+}
+
 // CRC-32 of a header followed by `size` payload bytes. The payload is left
 // out when empty: Crc32, like zlib, treats a null buffer as a request for the
 // initial value and would discard the header's CRC.

@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "foundation/TempFiles.h"
 
 namespace vektkk {
@@ -16,15 +18,36 @@ namespace {
 // Symbolic links followed before giving up, as the kernel does.
 constexpr int kMassimoCollegamenti = 40;
 
-bool ScriviTutto(int fd, const unsigned char* data, size_t size) {
-  while (size > 0) {
-    const ssize_t n = write(fd, data, size);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      return false;
+// Pieces handed to one writev(): enough for a track of many variants.
+constexpr size_t kPezziPerScrittura = IOV_MAX < 256 ? IOV_MAX : 256;
+
+// All the pieces, in order; a call that writes less goes on from where it
+// stopped. The pieces themselves are left as given.
+bool ScriviTutto(int fd, const iovec* pezzi, size_t n) {
+  size_t i = 0;      // the first piece not yet written whole
+  size_t fatti = 0;  // bytes of it already written
+  while (i < n) {
+    if (fatti == pezzi[i].iov_len) {
+      ++i;
+      fatti = 0;
+      continue;
     }
-    data += n;
-    size -= static_cast<size_t>(n);
+    iovec lotto[kPezziPerScrittura];
+    lotto[0] = {static_cast<unsigned char*>(pezzi[i].iov_base) + fatti, pezzi[i].iov_len - fatti};
+    size_t m = 1;
+    for (size_t j = i + 1; j < n && m < kPezziPerScrittura; ++j) lotto[m++] = pezzi[j];
+    const ssize_t scritti = writev(fd, lotto, static_cast<int>(m));
+    if (scritti < 0 && errno == EINTR) continue;
+    if (scritti <= 0) return false;
+    for (size_t resto = static_cast<size_t>(scritti); resto > 0;) {
+      const size_t qui = std::min(resto, pezzi[i].iov_len - fatti);
+      fatti += qui;
+      resto -= qui;
+      if (fatti == pezzi[i].iov_len) {
+        ++i;
+        fatti = 0;
+      }
+    }
   }
   return true;
 }
@@ -71,7 +94,7 @@ Bersaglio Esamina(const std::string& path, struct stat& st) {
 // returns its name, or "" (with nothing left behind) on failure. With
 // `vecchio` the file takes that file's owner, group and permission bits
 // before its bytes reach the device; it is created private until then.
-std::string ScriviTemporaneo(const std::string& path, const void* data, size_t size,
+std::string ScriviTemporaneo(const std::string& path, const iovec* pezzi, size_t n,
                              const struct stat* vecchio) {
   std::string temp;
   const int fd = ApriTemporaneo(path, vecchio != nullptr ? 0600 : 0666, temp);
@@ -84,7 +107,7 @@ std::string ScriviTemporaneo(const std::string& path, const void* data, size_t s
       (void)!fchown(fd, static_cast<uid_t>(-1), vecchio->st_gid);
     (void)fchmod(fd, vecchio->st_mode & 0777);
   }
-  bool ok = ScriviTutto(fd, static_cast<const unsigned char*>(data), size);
+  bool ok = ScriviTutto(fd, pezzi, n);
   ok = ok && fsync(fd) == 0;
   ok = close(fd) == 0 && ok;
   if (!ok) {
@@ -158,6 +181,11 @@ std::string CartellaDi(const std::string& path) {
 }
 
 bool ScriviFileAtomico(const std::string& richiesto, const void* data, size_t size) {
+  const iovec intero = {const_cast<void*>(data), size};
+  return ScriviFileAtomico(richiesto, &intero, 1);
+}
+
+bool ScriviFileAtomico(const std::string& richiesto, const iovec* pezzi, size_t n) {
   std::string path;
   if (!SeguiCollegamenti(richiesto, path)) return false;
   struct stat vecchio;
@@ -165,7 +193,7 @@ bool ScriviFileAtomico(const std::string& richiesto, const void* data, size_t si
   if (bersaglio == Bersaglio::Rifiutato) return false;
   PulisciAvanzi(CartellaDi(path));
   const std::string temp = ScriviTemporaneo(
-      path, data, size, bersaglio == Bersaglio::Scrivibile ? &vecchio : nullptr);
+      path, pezzi, n, bersaglio == Bersaglio::Scrivibile ? &vecchio : nullptr);
   if (temp.empty()) return false;
   if (rename(temp.c_str(), path.c_str()) != 0) {
     unlink(temp.c_str());
@@ -178,8 +206,13 @@ bool ScriviFileAtomico(const std::string& richiesto, const void* data, size_t si
 }
 
 EsitoCreazione CreaFileEsclusivo(const std::string& path, const void* data, size_t size) {
+  const iovec intero = {const_cast<void*>(data), size};
+  return CreaFileEsclusivo(path, &intero, 1);
+}
+
+EsitoCreazione CreaFileEsclusivo(const std::string& path, const iovec* pezzi, size_t n) {
   PulisciAvanzi(CartellaDi(path));
-  const std::string temp = ScriviTemporaneo(path, data, size, nullptr);
+  const std::string temp = ScriviTemporaneo(path, pezzi, n, nullptr);
   if (temp.empty()) return EsitoCreazione::Errore;
   const EsitoCreazione esito = Rivendica(temp, path);
   if (esito != EsitoCreazione::Creato) unlink(temp.c_str());

@@ -2,6 +2,7 @@
 #define VEKTKK_SRC_FOUNDATION_DURABLEFILE_H
 
 #include <stddef.h>
+#include <sys/uio.h>
 
 #include <string>
 
@@ -23,12 +24,15 @@ namespace vektkk {
 
 // Replaces (or creates) `path` with `size` bytes from `data`.
 bool ScriviFileAtomico(const std::string& path, const void* data, size_t size);
+// The same with the bytes given as `n` pieces, written in order.
+bool ScriviFileAtomico(const std::string& path, const iovec* pezzi, size_t n);
 
 enum class EsitoCreazione { Creato, GiaEsistente, Errore };
 
 // Creates `path` with the bytes only if no file of that name exists; the
 // check and the creation are one step, also against other processes.
 EsitoCreazione CreaFileEsclusivo(const std::string& path, const void* data, size_t size);
+EsitoCreazione CreaFileEsclusivo(const std::string& path, const iovec* pezzi, size_t n);
 
 // The directory part of `path` including its last separator ("" when none).
 std::string CartellaDi(const std::string& path);

@@ -1,6 +1,6 @@
-// Reading a track file: one read of the whole file, one decode, then two
-// passes over the atoms (first the shared lists, then the variants).
-#include <errno.h>
+// Reading a track file: its atoms checked and brought in one by one (or, for
+// a container that cannot, decoded from one buffer), then two passes over
+// them (first the shared lists, then the variants).
 #include <fcntl.h>
 #include <stdint.h>
 #include <string.h>
@@ -15,64 +15,47 @@
 #include "TrackMemoryRecords.h"
 #include "foundation/LogEvento.h"
 #include "platform/IAtomTagDecoderBin.h"
+#include "platform/IAtomTagPieces.h"
+#include "trackfile/AtomiLetti.h"
 #include "trackfile/LogoFiles.h"
 #include "trackfile/TrackFileFormat.h"
 
 using namespace vektkk::tkk;
+using vektkk::AtomoLetto;
 
 namespace {
 
-enum class EsitoLettura { Ok, NonApribile, Vuoto, Memoria };
+enum class EsitoApertura { Ok, NonApribile, Vuoto, Memoria };
 
 // Larger files cannot be track files: their size does not fit the 32-bit
 // size the object keeps.
 constexpr uint64_t kDimensioneMassima = 0xFFFFFFFFu;
 
-// The whole file in one buffer; its size is reported even when empty.
-// The buffer is not zero-filled first: every byte is read over.
-EsitoLettura LeggiTutto(const std::string& path, std::unique_ptr<unsigned char[]>& buffer,
-                        uint64_t& size) {
+// Opens a regular file for reading; its size is reported even when empty.
+EsitoApertura Apri(const std::string& path, int& fd, uint64_t& size) {
   size = 0;
   // O_NONBLOCK: a FIFO or a device must not keep the open waiting; only a
   // regular file is read, and its reads ignore the flag.
-  const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  if (fd < 0) return EsitoLettura::NonApribile;
+  fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (fd < 0) return EsitoApertura::NonApribile;
   struct stat st;
-  if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-    close(fd);
-    return EsitoLettura::NonApribile;
-  }
+  if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) return EsitoApertura::NonApribile;
   size = static_cast<uint64_t>(st.st_size);
-  if (size == 0) {
-    close(fd);
-    return EsitoLettura::Vuoto;
-  }
-  if (size > kDimensioneMassima || size > SIZE_MAX) {
-    close(fd);
-    return EsitoLettura::Memoria;
-  }
-  EsitoLettura esito = EsitoLettura::Ok;
-  try {
-    const size_t totale = static_cast<size_t>(size);
-    buffer.reset(new unsigned char[totale]);
-    size_t letti = 0;
-    while (letti < totale) {
-      const ssize_t n = read(fd, buffer.get() + letti, totale - letti);
-      if (n < 0 && errno == EINTR) continue;
-      if (n <= 0) break;
-      letti += static_cast<size_t>(n);
-    }
-    if (letti != totale) esito = EsitoLettura::NonApribile;
-  } catch (const std::bad_alloc&) {
-    esito = EsitoLettura::Memoria;
-  }
-  close(fd);
-  return esito;
+  if (size == 0) return EsitoApertura::Vuoto;
+  if (size > kDimensioneMassima || size > SIZE_MAX) return EsitoApertura::Memoria;
+  return EsitoApertura::Ok;
 }
 
-bool Conta(const std::vector<SAtomTag>& atoms, const char* tag, uint32_t size, size_t& count) {
+struct Descrittore {
+  int fd = -1;
+  ~Descrittore() {
+    if (fd >= 0) close(fd);
+  }
+};
+
+bool Conta(const std::vector<AtomoLetto>& atoms, const char* tag, uint32_t size, size_t& count) {
   count = 0;
-  for (const SAtomTag& a : atoms)
+  for (const AtomoLetto& a : atoms)
     if (a.Tag == tag && a.Dim == size) ++count;
   return count > 0;
 }
@@ -93,22 +76,28 @@ bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
     ~Viste() { file->RicostruisciViste(); }
   } viste{this};
   try {
+    // The lists of the previous read are filled again where they fit; what
+    // they do not use is freed before the read returns.
+    vektkk::Scorta<SPuntiTracciato> puntiPrecedenti(PuntiTracciato);
+    vektkk::Scorta<SFondiStradali> fondiPrecedenti(FondiStradali);
+    vektkk::Scorta<SLogo> loghiPrecedenti(Loghi);
+    const vektkk::Scorte scorte{puntiPrecedenti, fondiPrecedenti, loghiPrecedenti};
     Svuota();
-    std::unique_ptr<unsigned char[]> buffer;
+    Descrittore file;
     uint64_t size = 0;
-    const EsitoLettura esito = LeggiTutto(path, buffer, size);
+    const EsitoApertura apertura = Apri(path, file.fd, size);
     DimTkk = static_cast<uint32_t>(size);
-    switch (esito) {
-      case EsitoLettura::NonApribile:
+    switch (apertura) {
+      case EsitoApertura::NonApribile:
         LogEvento(kError.Priorita, kError.Parola, "Can't open file %s", path.c_str());
         return false;
-      case EsitoLettura::Vuoto:
+      case EsitoApertura::Vuoto:
         LogEvento(kError.Priorita, kError.Parola, "Zero length file %s", path.c_str());
         return false;
-      case EsitoLettura::Memoria:
+      case EsitoApertura::Memoria:
         LogEvento(kError.Priorita, kError.Parola, "Can't alloc mem");
         return false;
-      case EsitoLettura::Ok:
+      case EsitoApertura::Ok:
         break;
     }
     const std::string nomeLogoEsterno = GetNomeFileEsterno(path);
@@ -128,43 +117,50 @@ bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
       LogEvento(kError.Priorita, kError.Parola, "Can't alloc mem");
       return false;
     }
-    std::vector<SAtomTag> atoms;
-    const bool decodificato = decoder->decode(buffer.get(), static_cast<size_t>(size), atoms);
+    vektkk::AtomiLetti letti;
+    auto* pezzi = dynamic_cast<IAtomTagPieces*>(decoder.get());
+    const vektkk::EsitoAtomi esito =
+        pezzi != nullptr ? vektkk::LeggiAtomi(file.fd, size, *pezzi, SenzaLogo, scorte, letti)
+                         : vektkk::DecodificaAtomi(file.fd, size, *decoder, SenzaLogo, scorte, letti);
     decoder.reset();
+    if (esito == vektkk::EsitoAtomi::Corto) {
+      LogEvento(kError.Priorita, kError.Parola, "Can't open file %s", path.c_str());
+      return false;
+    }
+    const std::vector<AtomoLetto>& atoms = letti.Atomi;
 
     size_t nFile = 0, nFw = 0, nIdx = 0;
     Conta(atoms, kTagFile, kSizeFile, nFile);
     Conta(atoms, kTagVarianteFw, kSizeVarianteFw, nFw);
     Conta(atoms, kTagIndici, kSizeIndici, nIdx);
-    if (!decodificato || nFile == 0 || nFw != nIdx) {
+    if (esito != vektkk::EsitoAtomi::Ok || nFile == 0 || nFw != nIdx) {
       LogEvento(kError.Priorita, kError.Parola, "Can't interpret file %s", path.c_str());
       return false;
     }
 
-    // First pass: road-surface lists, shapes and logos, in file order.
+    // First pass: road-surface lists, shapes and logos, in file order. Only
+    // now, with the whole file checked, are logo images written to disk.
     vektkk::NumeriLogo numeriLogo;
-    for (const SAtomTag& a : atoms) {
-      if (a.Tag == kTagFondi && a.Dim != 0 && a.Dim % kSizeFondo == 0) {
-        auto* fondi = new SFondiStradali;
-        FondiStradali.push_back(fondi);
-        fondi->Fondi.resize(a.Dim / kSizeFondo);
-        memcpy(fondi->Fondi.data(), a.Dati, a.Dim);
-      } else if (a.Tag == kTagPunti && a.Dim != 0 && a.Dim % kSizePunto == 0) {
-        auto* punti = new SPuntiTracciato;
-        PuntiTracciato.push_back(punti);
-        punti->Punti.resize(a.Dim / kSizePunto);
-        memcpy(punti->Punti.data(), a.Dati, a.Dim);
-      } else if (a.Tag == kTagLogo && !SenzaLogo) {
-        Loghi.push_back(vektkk::LogoDaAtomo(a.Dati, a.Dim, path, nuovoNomeLogo, numeriLogo));
+    for (AtomoLetto& a : letti.Atomi) {
+      if (a.Fondi != nullptr) {
+        FondiStradali.push_back(a.Fondi);
+        a.Fondi = nullptr;
+      } else if (a.Punti != nullptr) {
+        PuntiTracciato.push_back(a.Punti);
+        a.Punti = nullptr;
+      } else if (a.Logo != nullptr) {
+        Loghi.push_back(a.Logo);
+        a.Logo = nullptr;
+        vektkk::CompletaLogo(*Loghi.back(), a.NomeLogo, path, nuovoNomeLogo, numeriLogo);
       }
     }
 
     // Second pass: variants. The current "Vnfo" and "V_sw" are never
     // cleared, so a variant without its own "V_sw" takes the previous
     // variant's name, and two "Vidx" after one "Vnfo" share its fixed part.
-    const SAtomTag* fw = nullptr;
-    const SAtomTag* sw = nullptr;
-    for (const SAtomTag& a : atoms) {
+    const AtomoLetto* fw = nullptr;
+    const AtomoLetto* sw = nullptr;
+    for (const AtomoLetto& a : atoms) {
       if (a.Tag == kTagFile && a.Dim == kSizeFile) {
         memcpy(&TagInfoFile, a.Dati, kSizeFile);
       } else if (a.Tag == kTagVarianteFw && a.Dim == kSizeVarianteFw) {

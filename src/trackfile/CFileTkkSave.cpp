@@ -13,23 +13,20 @@
 #include "foundation/DurableFile.h"
 #include "platform/IAtomTagDecoderBin.h"
 #include "platform/IAtomTagEncoderBin.h"
+#include "platform/IAtomTagPieces.h"
 #include "trackfile/LogoFiles.h"
+#include "trackfile/PezziTrack.h"
 #include "trackfile/TrackFileFormat.h"
 
 using namespace vektkk::tkk;
+using vektkk::LogoDaSalvare;
 
 namespace {
 
 constexpr useconds_t kAttesaNomeOccupato = 25000;  // 25 ms, as the name generator
 constexpr std::chrono::seconds kAttesaMassimaNome(10);
-// Logos of this size or less are neither embedded nor written out.
-constexpr size_t kMinimoLogo = 9;
 // Characters of a logo's NomeFile kept as the extension of its own file.
 constexpr size_t kEstensioneLogo = 4;
-
-bool LogoDaSalvare(const SLogo* logo) {
-  return logo != nullptr && !logo->NomeFile.empty() && logo->Dati.size() > kMinimoLogo;
-}
 
 template <typename T>
 bool Aggiungi(IAtomTagEncoderBin& enc, std::vector<unsigned char>& out, const char* tag,
@@ -106,11 +103,23 @@ std::string CFileTkk::Salva(const std::string& dir, const std::string& nome, boo
     std::unique_ptr<IAtomTagEncoderBin> enc(IAtomTagEncoderBin::CreateMe());
     if (!enc) return "";
 
+    // Each atom goes out straight from the records; a container that cannot
+    // make atoms in pieces gets the whole file composed in one buffer.
+    auto* capace = dynamic_cast<IAtomTagPieces*>(enc.get());
     std::vector<unsigned char> bytes;
+    vektkk::PezziTrack pezzi;
+    const auto componi = [&]() {
+      if (capace != nullptr)
+        return pezzi.Componi(*capace, TagInfoFile, TagsInfoVarianti, PuntiTracciato,
+                             FondiStradali, Loghi, logoEsterno);
+      if (!Componi(*enc, bytes, logoEsterno)) return false;
+      pezzi.Intero(bytes.data(), bytes.size());
+      return true;
+    };
     if (!nomeGenerato) {
       ImpostaGuidNomeFile(nome);
-      if (Componi(*enc, bytes, logoEsterno) &&
-          vektkk::ScriviFileAtomico(PercorsoTrack(dir, nome), bytes.data(), bytes.size())) {
+      if (componi() &&
+          vektkk::ScriviFileAtomico(PercorsoTrack(dir, nome), pezzi.Pezzi(), pezzi.Numero())) {
         // The images follow the track, so a save that fails leaves the old
         // images too. Each goes to dir + nome + the last 4 characters of its
         // name (two logos of one extension share the file); one that cannot
@@ -141,9 +150,9 @@ std::string CFileTkk::Salva(const std::string& dir, const std::string& nome, boo
           continue;
         }
         ImpostaGuidNomeFile(generato);
-        if (!Componi(*enc, bytes, logoEsterno)) break;
+        if (!componi()) break;
         const vektkk::EsitoCreazione esito =
-            vektkk::CreaFileEsclusivo(path, bytes.data(), bytes.size());
+            vektkk::CreaFileEsclusivo(path, pezzi.Pezzi(), pezzi.Numero());
         if (esito == vektkk::EsitoCreazione::Creato) return generato;
         if (esito == vektkk::EsitoCreazione::Errore) break;
         usleep(kAttesaNomeOccupato);

@@ -56,15 +56,8 @@ std::string NomeSenzaCartella(const std::string& path) {
   return sep == std::string::npos ? path : path.substr(sep + 1);
 }
 
-SLogo* LogoDaAtomo(const unsigned char* dati, uint32_t dim, const std::string& trackPath,
-                   bool nuovoNomeLogo, NumeriLogo& numeri) {
-  auto* logo = new SLogo;
-  const unsigned char* zero =
-      dim == 0 ? nullptr : static_cast<const unsigned char*>(memchr(dati, 0, dim));
-  const size_t lunghezzaNome = zero == nullptr ? dim : static_cast<size_t>(zero - dati);
-  const std::string nome(reinterpret_cast<const char*>(dati), lunghezzaNome);
-  if (zero != nullptr) logo->Dati.assign(zero + 1, dati + dim);
-
+void CompletaLogo(SLogo& logo, const std::string& nome, const std::string& trackPath,
+                  bool nuovoNomeLogo, NumeriLogo& numeri) {
   // Base and extension are converted separately; with no dot the whole name
   // counts as the extension.
   const size_t punto = nome.find_last_of('.');
@@ -75,12 +68,17 @@ SLogo* LogoDaAtomo(const unsigned char* dati, uint32_t dim, const std::string& t
   const std::string cartella =
       trackPath.size() > kCodaNomeTrack ? trackPath.substr(0, trackPath.size() - kCodaNomeTrack)
                                         : std::string();
-  logo->NomeFile = cartella + base + estensione;
+  logo.NomeFile = cartella + base + estensione;
   // The stored name is a bare file name; one that would lead out of the
   // track's directory is kept in memory but never written to.
-  if (logo->Dati.size() > kMinimoImmagineSuDisco && NomeSicuro(nome))
-    ScriviImmagine(*logo, cartella, base, estensione, nuovoNomeLogo, numeri);
-  return logo;
+  if (logo.Dati.size() > kMinimoImmagineSuDisco && NomeSicuro(nome))
+    ScriviImmagine(logo, cartella, base, estensione, nuovoNomeLogo, numeri);
+}
+
+bool LogoDaSalvare(const SLogo* logo) {
+  // Logos of this size or less are neither embedded nor written out.
+  constexpr size_t kMinimoLogo = 9;
+  return logo != nullptr && !logo->NomeFile.empty() && logo->Dati.size() > kMinimoLogo;
 }
 
 std::vector<unsigned char> PayloadLogo(const SLogo& logo) {

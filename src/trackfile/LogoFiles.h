@@ -18,13 +18,18 @@ namespace vektkk {
 // not from 1 again, so a file with many logos of one name costs linear time.
 using NumeriLogo = std::unordered_map<std::string, unsigned long>;
 
-// Builds the logo of one "lgo" payload read from the track file at
-// `trackPath`, and writes its image beside the track file when it has more
-// than 5 bytes: under its own name when no such file exists yet, or, with
-// `nuovoNomeLogo`, under the first free numbered name (base + n +
-// extension). The logo's NomeFile keeps the name without a number.
-SLogo* LogoDaAtomo(const unsigned char* dati, uint32_t dim, const std::string& trackPath,
-                   bool nuovoNomeLogo, NumeriLogo& numeri);
+// Completes a logo read from the track file at `trackPath` whose "lgo"
+// payload stored the name `nome` (UTF-8) before the image already in
+// logo.Dati: sets its NomeFile, and writes the image beside the track file
+// when it has more than 5 bytes: under its own name when no such file exists
+// yet, or, with `nuovoNomeLogo`, under the first free numbered name (base +
+// n + extension). NomeFile keeps the name without a number.
+void CompletaLogo(SLogo& logo, const std::string& nome, const std::string& trackPath,
+                  bool nuovoNomeLogo, NumeriLogo& numeri);
+
+// Whether a logo is saved, in the track file or as a file of its own: it
+// has a name and an image of more than 9 bytes.
+bool LogoDaSalvare(const SLogo* logo);
 
 // The "lgo" payload of a logo: the file-name part of its NomeFile in UTF-8,
 // a zero byte, then the image.

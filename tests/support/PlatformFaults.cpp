@@ -7,10 +7,36 @@
 #include "platform/IAtomTagDecoderBin.h"
 #include "platform/IAtomTagEncoderBin.h"
 
+#include <memory>
+
 namespace faults {
 namespace {
 bool g_failDecoder = false;
 bool g_failEncoder = false;
+bool g_plain = false;
+
+class PlainDecoder : public IAtomTagDecoderBin {
+ public:
+  explicit PlainDecoder(IAtomTagDecoderBin* real) : real_(real) {}
+  bool decode(const unsigned char* buffer, size_t length, std::vector<SAtomTag>& atoms) override {
+    return real_->decode(buffer, length, atoms);
+  }
+
+ private:
+  std::unique_ptr<IAtomTagDecoderBin> real_;
+};
+
+class PlainEncoder : public IAtomTagEncoderBin {
+ public:
+  explicit PlainEncoder(IAtomTagEncoderBin* real) : real_(real) {}
+  bool append(std::vector<unsigned char>& out, const std::string& tag, const void* payload,
+              uint32_t size, int flag) override {
+    return real_->append(out, tag, payload, size, flag);
+  }
+
+ private:
+  std::unique_ptr<IAtomTagEncoderBin> real_;
+};
 bool g_noLinks = false;
 bool g_noExclusiveRename = false;
 unsigned g_renameDelayUs = 0;
@@ -19,6 +45,7 @@ unsigned long g_accessCalls = 0;
 
 void FailDecoderCreation(bool fail) { g_failDecoder = fail; }
 void FailEncoderCreation(bool fail) { g_failEncoder = fail; }
+void PlainContainer(bool plain) { g_plain = plain; }
 void NoHardLinks(bool noLinks, bool noExclusiveRename) {
   g_noLinks = noLinks;
   g_noExclusiveRename = noExclusiveRename;
@@ -36,11 +63,15 @@ IAtomTagDecoderBin* __real__ZN18IAtomTagDecoderBin8CreateMeEv();
 IAtomTagEncoderBin* __real__ZN18IAtomTagEncoderBin8CreateMeEv();
 
 IAtomTagDecoderBin* __wrap__ZN18IAtomTagDecoderBin8CreateMeEv() {
-  return faults::g_failDecoder ? nullptr : __real__ZN18IAtomTagDecoderBin8CreateMeEv();
+  if (faults::g_failDecoder) return nullptr;
+  IAtomTagDecoderBin* real = __real__ZN18IAtomTagDecoderBin8CreateMeEv();
+  return faults::g_plain ? new faults::PlainDecoder(real) : real;
 }
 
 IAtomTagEncoderBin* __wrap__ZN18IAtomTagEncoderBin8CreateMeEv() {
-  return faults::g_failEncoder ? nullptr : __real__ZN18IAtomTagEncoderBin8CreateMeEv();
+  if (faults::g_failEncoder) return nullptr;
+  IAtomTagEncoderBin* real = __real__ZN18IAtomTagEncoderBin8CreateMeEv();
+  return faults::g_plain ? new faults::PlainEncoder(real) : real;
 }
 
 int __real_link(const char* from, const char* to);

@@ -8,6 +8,9 @@ namespace faults {
 
 void FailDecoderCreation(bool fail);
 void FailEncoderCreation(bool fail);
+// Decoders and encoders that offer decode() and append() alone, as a host's
+// own container might: the library must then give the same results.
+void PlainContainer(bool plain);
 
 // File systems without hard links (the FAT family of memory cards): link()
 // fails with EPERM, and with `noExclusiveRename` renameat2() does not know

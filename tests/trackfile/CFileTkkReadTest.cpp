@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <stdio.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -79,6 +80,7 @@ class ReadTest : public ::testing::Test {
   void TearDown() override {
     evtrec::Reset(false);
     faults::FailDecoderCreation(false);
+    faults::PlainContainer(false);
   }
 
   std::string Write(const Bytes& bytes, const std::string& name = "0k3f9zq1.tkk") {
@@ -103,6 +105,16 @@ TEST_F(ReadTest, FailuresAreReportedWithTheirMessage) {
   const Bytes good = FileBuilder().Info().Fw().Sw("GP").Idx().bytes();
   Bytes badCrc = good;
   badCrc[20] ^= 1;
+  // Past the read buffer: the end of a logo read straight into its record,
+  // the end of an ignored atom passed over.
+  Bytes badLogo = FileBuilder().Info().Fw().Idx(0xFFFF, 0).Logo("a.png", Bytes(40000, 7)).bytes();
+  badLogo[badLogo.size() - 10] ^= 1;
+  Bytes badUnknown = FileBuilder().Info().Fw().Idx().Atom("zzz", Bytes(40000, 7).data(), 40000).bytes();
+  badUnknown[badUnknown.size() - 10] ^= 1;
+  // A size field far beyond the file's own size is refused, not allocated.
+  Bytes hugeSize = good;
+  hugeSize[6] = 0xFF;
+  hugeSize[7] = 0xFF;
   _STagInfoFileTKK info;
   struct Case {
     const char* what;
@@ -115,6 +127,10 @@ TEST_F(ReadTest, FailuresAreReportedWithTheirMessage) {
       {"empty file", Bytes{}, false, "Zero length file %s"},
       {"no decoder", good, true, "Can't alloc mem"},
       {"bad CRC", badCrc, false, "Can't interpret file %s"},
+      {"bad CRC at the end of a logo", badLogo, false, "Can't interpret file %s"},
+      {"bad CRC at the end of an unknown atom", badUnknown, false, "Can't interpret file %s"},
+      {"size field beyond the file", hugeSize, false, "Can't interpret file %s"},
+      {"last byte missing", Bytes(good.begin(), good.end() - 1), false, "Can't interpret file %s"},
       {"Ptkk of 267 bytes", FileBuilder().Atom("Ptkk", &info, 267).bytes(), false,
        "Can't interpret file %s"},
       {"no Ptkk", FileBuilder().Fw().Idx().bytes(), false, "Can't interpret file %s"},
@@ -123,8 +139,11 @@ TEST_F(ReadTest, FailuresAreReportedWithTheirMessage) {
       {"Vidx before Vnfo", FileBuilder().Info().Idx().Fw().bytes(), false,
        "Can't find STagInfoVarianteTKK_fw"},
   };
+  for (bool plain : {false, true})
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
+    SCOPED_TRACE(plain ? "container without pieces" : "container with pieces");
+    faults::PlainContainer(plain);
     evtrec::Reset(true);
     const std::string path = dir_.path() + "case.tkk";
     unlink(path.c_str());
@@ -188,9 +207,15 @@ TEST_F(ReadTest, MalformedButReadableFiles) {
       {"pts of odd size adds no shape", FileBuilder().Info().Atom("pts", &weird, 4).Fw().Idx(0).bytes(), 0},
       {"empty logo still counts", FileBuilder().Info().Atom("lgo", nullptr, 0).Fw().Idx(0xFFFF, 0).bytes(), 1},
       {"only the file info", FileBuilder().Info().bytes(), 0},
+      {"large unknown atom ignored",
+       FileBuilder().Info().Atom("zzz", Bytes(40000, 1).data(), 40000).Fw().Idx().bytes(), 1},
+      {"logo name longer than the read buffer",
+       FileBuilder().Info().Logo(std::string(20000, 'n'), Bytes(20, 1)).Fw().Idx(0xFFFF, 0).bytes(), 1},
   };
+  for (bool plain : {false, true})
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
+    faults::PlainContainer(plain);
     std::unique_ptr<CFileTkk> track = Open(Write(c.bytes));
     EXPECT_TRUE(track->IsGood());
     EXPECT_EQ(track->GetTagsInfoVarianti().size(), c.variants);
@@ -342,3 +367,74 @@ TEST_F(ReadTest, FileOffsetsKeptAsSummariesRecordThem) {
 }
 
 }  // namespace
+
+namespace {
+
+Bytes SaveIn(CFileTkk& track, const std::string& dir, const std::string& name) {
+  EXPECT_EQ(track.SalvaFileInPath(dir, &name), name);
+  return fixtures::ReadAll(dir + name + ".tkk");
+}
+
+}  // namespace
+
+// Records read or saved through a container without pieces, or by an object
+// that read other files before (a larger one, a failed one), are the same.
+TEST_F(ReadTest, EveryWayGivesTheSameBytes) {
+  fixtures::TempDir other;
+  const std::string name = "0k3f9zq1";
+  std::unique_ptr<CFileTkk> again(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
+  const std::string bad = Write(Bytes(100, 0x55), "bad.tkk");
+  for (uint32_t seed : {5u, 1u, 2u, 3u}) {
+    SCOPED_TRACE(seed);
+    std::unique_ptr<CFileTkk> built = fixtures::MakeRandomTrack(seed);
+    faults::PlainContainer(true);
+    const Bytes plain = SaveIn(*built, other.path(), name);
+    faults::PlainContainer(false);
+    const Bytes saved = SaveIn(*built, dir_.path(), name);
+    EXPECT_EQ(saved, plain);
+    const std::string path = dir_.path() + name + ".tkk";
+    for (bool plainRead : {false, true}) {
+      faults::PlainContainer(plainRead);
+      EXPECT_EQ(SaveIn(*Open(path), other.path(), name), saved) << plainRead;
+    }
+    faults::PlainContainer(false);
+    ASSERT_TRUE(again->LeggiFile(path, false));
+    EXPECT_EQ(SaveIn(*again, other.path(), name), saved);
+    EXPECT_FALSE(again->LeggiFile(bad, false));
+  }
+}
+
+long ResidentKb() {
+  long pages = 0, resident = 0;
+  FILE* f = fopen("/proc/self/statm", "r");
+  if (f == nullptr) return -1;
+  if (fscanf(f, "%ld %ld", &pages, &resident) != 2) resident = -1;
+  fclose(f);
+  return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+// With the host's allocator as it comes, a process that reads and saves a
+// 1 MB track over and over keeps the same resident memory.
+TEST_F(ReadTest, ReadingAndSavingInALoopKeepsResidentMemoryFlat) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "AddressSanitizer keeps freed memory in quarantine";
+#endif
+  std::unique_ptr<CFileTkk> track(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
+  std::vector<_t_s_lla_i> shape(7999, _t_s_lla_i{1, 2, 3});
+  _STagIndexesVarianteTKK idx;
+  idx.IdxPunti = track->AddTagDatiPuntiTracciato(shape);
+  idx.IdxLogo = track->AddTagDatiLogo(Bytes(900 * 1024, 9), "logo.png");
+  ASSERT_TRUE(track->AddTagInfoVariante("GP", "GP", _STagInfoVarianteTKK_fw(), idx));
+  const std::string name = "0k3f9zq1";
+  const std::string path = dir_.path() + name + ".tkk";
+  std::unique_ptr<CFileTkk> same(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
+  const auto round = [&] {
+    ASSERT_EQ(track->SalvaFileInPath(dir_.path(), &name), name);
+    ASSERT_TRUE(Open(path)->IsGood());
+    ASSERT_TRUE(same->LeggiFile(path, false));
+  };
+  for (int i = 0; i < 20; ++i) round();
+  const long before = ResidentKb();
+  for (int i = 0; i < 100; ++i) round();
+  EXPECT_LT(ResidentKb() - before, 1024) << "KB more resident after 100 rounds";
+}

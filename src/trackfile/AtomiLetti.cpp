@@ -1,0 +1,294 @@
+#include "trackfile/AtomiLetti.h"
+
+#include <errno.h>
+#include <string.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "platform/IAtomTagDecoderBin.h"
+#include "platform/IAtomTagPieces.h"
+#include "trackfile/TrackFileFormat.h"
+
+using namespace vektkk::tkk;
+
+namespace vektkk {
+namespace {
+
+enum class Genere { Piccolo, Punti, Fondi, Logo, Ignorato };
+
+// What a read keeps of an atom. Atoms of other tags or sizes are checked
+// and then ignored.
+Genere Classifica(const std::string& tag, uint32_t dim, bool senzaLogo) {
+  if ((tag == kTagFile && dim == kSizeFile) || (tag == kTagVarianteFw && dim == kSizeVarianteFw) ||
+      (tag == kTagVarianteSw && dim == kSizeVarianteSw) || (tag == kTagIndici && dim == kSizeIndici))
+    return Genere::Piccolo;
+  if (tag == kTagPunti && dim != 0 && dim % kSizePunto == 0) return Genere::Punti;
+  if (tag == kTagFondi && dim != 0 && dim % kSizeFondo == 0) return Genere::Fondi;
+  if (tag == kTagLogo && !senzaLogo) return Genere::Logo;
+  return Genere::Ignorato;
+}
+
+// A record's list made `n` long. One kept from an earlier read whose memory
+// is far more than needed gives it back first.
+template <typename V>
+unsigned char* Dimensiona(V& v, size_t n) {
+  if (v.capacity() / 2 > n) V().swap(v);
+  v.resize(n);
+  return reinterpret_cast<unsigned char*>(v.data());
+}
+
+// Splits a logo payload: the name up to the first zero byte, the image after
+// it; with no zero byte all of it is the name and there is no image.
+void DividiLogo(const unsigned char* dati, size_t dim, AtomoLetto& a) {
+  const void* zero = dim == 0 ? nullptr : memchr(dati, 0, dim);
+  const size_t nome = zero == nullptr ? dim : static_cast<size_t>(static_cast<const unsigned char*>(zero) - dati);
+  a.NomeLogo.assign(reinterpret_cast<const char*>(dati), nome);
+  if (zero == nullptr) {
+    Dimensiona(a.Logo->Dati, 0);
+  } else {
+    unsigned char* immagine = Dimensiona(a.Logo->Dati, dim - nome - 1);
+    if (dim > nome + 1) memcpy(immagine, dati + nome + 1, dim - nome - 1);
+  }
+}
+
+// The file's bytes in order, never more than its size when opened: small
+// reads go through a buffer on the stack, large ones straight to their
+// place, the buffer filling with what follows in the same call.
+class Lettore {
+ public:
+  Lettore(int fd, uint64_t size) : fd_(fd), daLeggere_(size) {}
+
+  const unsigned char* Dati() const { return buffer_ + inizio_; }
+  size_t Disponibili() const { return fine_ - inizio_; }
+  void Consuma(size_t n) { inizio_ += n; }
+
+  // At least n (at most the buffer's size) bytes buffered; false when the
+  // file ends first.
+  bool Assicura(size_t n) {
+    if (Disponibili() >= n) return true;
+    memmove(buffer_, buffer_ + inizio_, Disponibili());
+    fine_ -= inizio_;
+    inizio_ = 0;
+    while (fine_ < n) {
+      const size_t chiesti = static_cast<size_t>(std::min<uint64_t>(kBuffer - fine_, daLeggere_));
+      if (chiesti == 0) return false;
+      const ssize_t letti = read(fd_, buffer_ + fine_, chiesti);
+      if (letti < 0 && errno == EINTR) continue;
+      if (letti <= 0) return false;
+      fine_ += static_cast<size_t>(letti);
+      daLeggere_ -= static_cast<uint64_t>(letti);
+    }
+    return true;
+  }
+
+  // The next n bytes to `dest`; false when the file ends first.
+  bool Prendi(unsigned char* dest, size_t n) {
+    const size_t giaQui = std::min(n, Disponibili());
+    if (giaQui > 0) memcpy(dest, Dati(), giaQui);
+    Consuma(giaQui);
+    size_t fatti = giaQui;
+    if (fatti == n) return true;
+    inizio_ = fine_ = 0;
+    while (fatti < n) {
+      const size_t resto = n - fatti;
+      if (resto > daLeggere_) return false;
+      iovec parti[2] = {{dest + fatti, resto},
+                        {buffer_, static_cast<size_t>(std::min<uint64_t>(kBuffer, daLeggere_ - resto))}};
+      const ssize_t letti = readv(fd_, parti, 2);
+      if (letti < 0 && errno == EINTR) continue;
+      if (letti <= 0) return false;
+      daLeggere_ -= static_cast<uint64_t>(letti);
+      const size_t k = static_cast<size_t>(letti);
+      if (k <= resto) {
+        fatti += k;
+      } else {
+        fatti = n;
+        fine_ = k - resto;
+      }
+    }
+    return true;
+  }
+
+  // Passes over n bytes, adding them to a check.
+  bool Salta(size_t n, IAtomTagPieces& pezzi, uint32_t& check) {
+    while (n > 0) {
+      const size_t pezzo = std::min(n, kBuffer);
+      if (!Assicura(pezzo)) return false;
+      check = pezzi.checkAdd(check, Dati(), pezzo);
+      Consuma(pezzo);
+      n -= pezzo;
+    }
+    return true;
+  }
+
+  // Reads whatever of the file is left; false when it is shorter than it was.
+  bool Finisci() {
+    inizio_ = fine_ = 0;
+    while (daLeggere_ > 0)
+      if (!Assicura(static_cast<size_t>(std::min<uint64_t>(kBuffer, daLeggere_)))) return false;
+      else inizio_ = fine_ = 0;
+    return true;
+  }
+
+ private:
+  static constexpr size_t kBuffer = 16 * 1024;
+  int fd_;
+  uint64_t daLeggere_;
+  size_t inizio_ = 0, fine_ = 0;
+  unsigned char buffer_[kBuffer];
+};
+
+// The payload of a logo: the name through the buffer (it comes first and is
+// short), the image straight into the logo's list.
+bool LeggiLogo(Lettore& in, uint32_t dim, IAtomTagPieces& pezzi, uint32_t& check, AtomoLetto& a) {
+  if (!in.Assicura(std::min<size_t>(dim, 16 * 1024))) return false;
+  const size_t visti = std::min<size_t>(dim, in.Disponibili());
+  const void* zero = visti == 0 ? nullptr : memchr(in.Dati(), 0, visti);
+  if (zero == nullptr && visti < dim) {
+    // A name longer than the buffer: the whole payload, then split.
+    std::vector<unsigned char> tutto(dim);
+    if (!in.Prendi(tutto.data(), dim)) return false;
+    check = pezzi.checkAdd(check, tutto.data(), dim);
+    DividiLogo(tutto.data(), dim, a);
+    return true;
+  }
+  const size_t nome = zero == nullptr ? visti : static_cast<size_t>(static_cast<const unsigned char*>(zero) - in.Dati());
+  const size_t prefisso = zero == nullptr ? visti : nome + 1;
+  a.NomeLogo.assign(reinterpret_cast<const char*>(in.Dati()), nome);
+  check = pezzi.checkAdd(check, in.Dati(), prefisso);
+  in.Consuma(prefisso);
+  unsigned char* immagine = Dimensiona(a.Logo->Dati, dim - prefisso);
+  if (!in.Prendi(immagine, dim - prefisso)) return false;
+  check = pezzi.checkAdd(check, immagine, dim - prefisso);
+  return true;
+}
+
+}  // namespace
+
+AtomiLetti::~AtomiLetti() {
+  for (AtomoLetto& a : Atomi) {
+    delete a.Punti;
+    delete a.Fondi;
+    delete a.Logo;
+  }
+}
+
+EsitoAtomi LeggiAtomi(int fd, uint64_t size, IAtomTagPieces& pezzi, bool senzaLogo,
+                      const Scorte& scorte, AtomiLetti& out) {
+  const size_t h = IAtomTagDecoderBin::GetSizeHeader();
+  const size_t f = IAtomTagDecoderBin::GetSizeFooter();
+  Lettore in(fd, size);
+  std::vector<size_t> posizioni;  // of the fixed records in out.Piccoli
+  std::string tag;
+  uint64_t resto = size;
+  bool valido = true;
+  while (resto > 0) {
+    if (resto < h + f) {
+      valido = false;
+      break;
+    }
+    if (!in.Assicura(h)) return EsitoAtomi::Corto;
+    uint32_t dim = 0;
+    pezzi.parseHeader(in.Dati(), tag, dim);
+    if (resto - h - f < dim) {
+      valido = false;
+      break;
+    }
+    uint32_t check = pezzi.checkBegin(in.Dati());
+    in.Consuma(h);
+
+    const Genere genere = Classifica(tag, dim, senzaLogo);
+    if (genere != Genere::Ignorato) {
+      out.Atomi.emplace_back();
+      out.Atomi.back().Tag = tag;
+      out.Atomi.back().Dim = dim;
+    }
+    AtomoLetto* a = genere == Genere::Ignorato ? nullptr : &out.Atomi.back();
+    unsigned char* dest = nullptr;
+    bool letto = true;
+    switch (genere) {
+      case Genere::Piccolo:
+        posizioni.push_back(out.Piccoli.size());
+        out.Piccoli.resize(out.Piccoli.size() + dim);
+        dest = out.Piccoli.data() + posizioni.back();
+        break;
+      case Genere::Punti:
+        a->Punti = scorte.Punti.Prendi();
+        dest = Dimensiona(a->Punti->Punti, dim / kSizePunto);
+        break;
+      case Genere::Fondi:
+        a->Fondi = scorte.Fondi.Prendi();
+        dest = Dimensiona(a->Fondi->Fondi, dim / kSizeFondo);
+        break;
+      case Genere::Logo:
+        a->Logo = scorte.Loghi.Prendi();
+        letto = LeggiLogo(in, dim, pezzi, check, *a);
+        break;
+      case Genere::Ignorato:
+        letto = in.Salta(dim, pezzi, check);
+        break;
+    }
+    if (dest != nullptr) {
+      letto = in.Prendi(dest, dim);
+      check = pezzi.checkAdd(check, dest, dim);
+    }
+    if (!letto || !in.Assicura(f)) return EsitoAtomi::Corto;
+    const bool uguale = pezzi.footerMatches(check, in.Dati());
+    in.Consuma(f);
+    if (!uguale) {
+      valido = false;
+      break;
+    }
+    resto -= h + dim + f;
+  }
+  // As when the whole file is read first: a file cut short is reported as
+  // such even where its atoms were found wrong before the cut.
+  if (!valido) return in.Finisci() ? EsitoAtomi::NonValido : EsitoAtomi::Corto;
+
+  size_t i = 0;
+  for (AtomoLetto& a : out.Atomi)
+    if (a.Punti == nullptr && a.Fondi == nullptr && a.Logo == nullptr)
+      a.Dati = out.Piccoli.data() + posizioni[i++];
+  return EsitoAtomi::Ok;
+}
+
+EsitoAtomi DecodificaAtomi(int fd, uint64_t size, IAtomTagDecoderBin& decoder, bool senzaLogo,
+                           const Scorte& scorte, AtomiLetti& out) {
+  // Not zero-filled: every byte is read over.
+  const size_t totale = static_cast<size_t>(size);
+  out.Intero.reset(new unsigned char[totale]);
+  size_t letti = 0;
+  while (letti < totale) {
+    const ssize_t n = read(fd, out.Intero.get() + letti, totale - letti);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return EsitoAtomi::Corto;
+    letti += static_cast<size_t>(n);
+  }
+  std::vector<SAtomTag> atomi;
+  if (!decoder.decode(out.Intero.get(), totale, atomi)) return EsitoAtomi::NonValido;
+  for (const SAtomTag& s : atomi) {
+    const Genere genere = Classifica(s.Tag, s.Dim, senzaLogo);
+    if (genere == Genere::Ignorato) continue;
+    out.Atomi.emplace_back();
+    AtomoLetto& a = out.Atomi.back();
+    a.Tag = s.Tag;
+    a.Dim = s.Dim;
+    if (genere == Genere::Piccolo) {
+      a.Dati = s.Dati;
+    } else if (genere == Genere::Punti) {
+      a.Punti = scorte.Punti.Prendi();
+      memcpy(Dimensiona(a.Punti->Punti, s.Dim / kSizePunto), s.Dati, s.Dim);
+    } else if (genere == Genere::Fondi) {
+      a.Fondi = scorte.Fondi.Prendi();
+      memcpy(Dimensiona(a.Fondi->Fondi, s.Dim / kSizeFondo), s.Dati, s.Dim);
+    } else {
+      a.Logo = scorte.Loghi.Prendi();
+      DividiLogo(s.Dati, s.Dim, a);
+    }
+  }
+  return EsitoAtomi::Ok;
+}
+
+}  // namespace vektkk
