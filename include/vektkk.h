@@ -13,6 +13,7 @@
 #include "DataOraTkk.h"
 #include "GuidNomeFile.h"
 #include "GuidTkk.h"
+#include "IFileRiassuntivo.h"
 #include "IFileTkk.h"
 #include "IVarianteTkk.h"
 #include "TrackFileEnums.h"

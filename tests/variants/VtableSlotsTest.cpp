@@ -1,4 +1,4 @@
-// Hosts built elsewhere call track and variant objects by virtual-table
+// Hosts built elsewhere call track, variant and summary objects by virtual-table
 // slot, so every operation must keep its slot. A reordered header fails
 // here.
 #include <gtest/gtest.h>
@@ -7,6 +7,7 @@
 
 #include <string>
 
+#include "IFileRiassuntivo.h"
 #include "IFileTkk.h"
 
 namespace {
@@ -148,6 +149,33 @@ TEST(VtableSlots, FileOperations) {
       Entry{"GetStrBeaconType(text, type)", Slot(static_cast<StrBeaconOf>(&IFileTkk::GetStrBeaconType)), 99},
       // Inherited operations keep their slots in the file's table.
       SLOT(IFileTkk, GetNomeFileDaFileSystem, 57),
+  };
+  for (const Entry& e : entries) EXPECT_EQ(e.slot, e.expected) << e.name;
+}
+
+TEST(VtableSlots, SummaryOperations) {
+  // 0 and 1 are the two destructor entries.
+  const Entry entries[] = {
+      SLOT(IFileRiassuntivo, ConfrontaConAltro, 2),
+      SLOT(IFileRiassuntivo, ConfrontaConAltroEsteso, 3),
+      SLOT(IFileRiassuntivo, SalvaFileDev, 4),
+      SLOT(IFileRiassuntivo, CreaFileAlfabSortedSenzaNazione, 5),
+      SLOT(IFileRiassuntivo, CreaFileAlfabSortedConNazione, 6),
+      SLOT(IFileRiassuntivo, CreaFileLatLonSorted, 7),
+      SLOT(IFileRiassuntivo, CreaFileGuidSorted, 8),
+      SLOT(IFileRiassuntivo, AddVarianteTkk, 9),
+      SLOT(IFileRiassuntivo, DelFileTkk, 10),
+      SLOT(IFileRiassuntivo, IsThisFileTkkHere, 11),
+      SLOT(IFileRiassuntivo, GetDatiRiassuntivi, 12),
+      SLOT(IFileRiassuntivo, GetDatoRiassuntivo, 13),
+      SLOT(IFileRiassuntivo, GetNumRiassuntivi, 14),
+      SLOT(IFileRiassuntivo, LeggiRiassuntivo, 15),
+      SLOT(IFileRiassuntivo, GetDatoRiassuntivoNearest, 16),
+      SLOT(IFileRiassuntivo, getNearestTracksByHeaversine, 17),
+      SLOT(IFileRiassuntivo, CreaFileAlfabSortedConNazioneTestuale, 18),
+      SLOT(IFileRiassuntivo, AddFromDir, 19),
+      SLOT(IFileRiassuntivo, CreaDaDirettorio, 20),
+      SLOT(IFileRiassuntivo, AggiungiDaDirettorio, 21),
   };
   for (const Entry& e : entries) EXPECT_EQ(e.slot, e.expected) << e.name;
 }
