@@ -12,8 +12,9 @@
 //   x86-64: folding 512 bits at a time with VPCLMULQDQ (AVX-512), or 128
 //           bits at a time with PCLMULQDQ and SSE4.1 (Crc32X86.h);
 //   ARMv8 with the CRC32 extension: its CRC instructions (Crc32Arm.h);
-//   everywhere: zlib, which stays the reference (and takes the last bytes
-//           of the folding ways).
+//   everywhere: zlib, which stays the reference.
+// The folding ways take short buffers and their last bytes eight at a time
+// through tables (Crc32Corto.h): a call into zlib costs more than they do.
 // Tests reach each way that the machine has through Crc32Con.
 //
 // Everything is defined here, inline, so that whatever is built from the

@@ -10,7 +10,7 @@
 
 #include <immintrin.h>
 
-#include "Crc32Zlib.h"
+#include "Crc32Corto.h"
 
 namespace vekatomtag {
 namespace crc32_detail {
@@ -74,12 +74,12 @@ VEKATOMTAG_CLMUL inline uint32_t Finisci(__m128i x, const unsigned char* p, size
       _mm_clmulepi64_si128(_mm_and_si128(x, low32), kBarrett, 0x00), low32);
   x = _mm_xor_si128(x, _mm_clmulepi64_si128(q, kBarrett, 0x10));
   const uint32_t reg = static_cast<uint32_t>(_mm_extract_epi32(x, 1));
-  return Zlib(~reg, p, n);
+  return Corto(~reg, p, n);
 }
 
 // Four lanes of 128 bits, 64 bytes at a time. The loads need no alignment.
 VEKATOMTAG_CLMUL inline uint32_t Clmul(uint32_t crc, const unsigned char* p, size_t n) {
-  if (n < kMinClmul) return Zlib(crc, p, n);
+  if (n < kMinClmul) return Corto(crc, p, n);
   const __m128i k512 = _mm_set_epi64x(kFold512Hi, kFold512Lo);
   const __m128i k128 = _mm_set_epi64x(kFold128Hi, kFold128Lo);
 

@@ -10,7 +10,7 @@ namespace vekatomtag {
 namespace crc32_detail {
 
 // zlib's crc32 over any length: its own length type is 32-bit. The
-// reference, the portable way, and the last bytes of the folding ways.
+// reference and the portable way.
 inline uint32_t Zlib(uint32_t crc, const unsigned char* p, size_t n) {
   constexpr size_t kChunk = size_t{1} << 30;
   uLong c = crc;

@@ -16,18 +16,33 @@ using namespace vektkk::tkk;
 namespace vektkk {
 namespace {
 
-enum class Genere { Piccolo, Punti, Fondi, Logo, Ignorato };
+// What a read keeps of an atom: a fixed record of its exact size, a list,
+// or nothing (atoms of other tags or sizes are checked and then ignored).
+enum class Uso { Piccolo, Punti, Fondi, Logo, Ignorato };
 
-// What a read keeps of an atom. Atoms of other tags or sizes are checked
-// and then ignored.
-Genere Classifica(const std::string& tag, uint32_t dim, bool senzaLogo) {
-  if ((tag == kTagFile && dim == kSizeFile) || (tag == kTagVarianteFw && dim == kSizeVarianteFw) ||
-      (tag == kTagVarianteSw && dim == kSizeVarianteSw) || (tag == kTagIndici && dim == kSizeIndici))
-    return Genere::Piccolo;
-  if (tag == kTagPunti && dim != 0 && dim % kSizePunto == 0) return Genere::Punti;
-  if (tag == kTagFondi && dim != 0 && dim % kSizeFondo == 0) return Genere::Fondi;
-  if (tag == kTagLogo && !senzaLogo) return Genere::Logo;
-  return Genere::Ignorato;
+bool Uguale(const std::string& tag, const char* nome, size_t lunghezza) {
+  return tag.size() == lunghezza && memcmp(tag.data(), nome, lunghezza) == 0;
+}
+template <size_t N>
+bool Uguale(const std::string& tag, const char (&nome)[N]) {
+  return Uguale(tag, nome, N - 1);
+}
+
+Uso Classifica(const std::string& tag, uint32_t dim, bool senzaLogo, Genere& tipo) {
+  if (Uguale(tag, kTagFile) && dim == kSizeFile) tipo = Genere::File;
+  else if (Uguale(tag, kTagVarianteFw) && dim == kSizeVarianteFw) tipo = Genere::VarianteFw;
+  else if (Uguale(tag, kTagVarianteSw) && dim == kSizeVarianteSw) tipo = Genere::VarianteSw;
+  else if (Uguale(tag, kTagIndici) && dim == kSizeIndici) tipo = Genere::Indici;
+  else if (Uguale(tag, kTagPunti) && dim != 0 && dim % kSizePunto == 0) tipo = Genere::Punti;
+  else if (Uguale(tag, kTagFondi) && dim != 0 && dim % kSizeFondo == 0) tipo = Genere::Fondi;
+  else if (Uguale(tag, kTagLogo) && !senzaLogo) tipo = Genere::Logo;
+  else return Uso::Ignorato;
+  switch (tipo) {
+    case Genere::Punti: return Uso::Punti;
+    case Genere::Fondi: return Uso::Fondi;
+    case Genere::Logo: return Uso::Logo;
+    default: return Uso::Piccolo;
+  }
 }
 
 // A record's list made `n` long. One kept from an earlier read whose memory
@@ -111,6 +126,23 @@ class Lettore {
     return true;
   }
 
+  // The next n bytes (n at most kBuffer) copied into the list `v` of packed
+  // records of their size, whose memory is kept where it fits; false when
+  // the file ends first. Filling a new list this way spares the zeroing that
+  // resizing it would do before the bytes are read over it.
+  template <typename V>
+  bool Copia(V& v, size_t n) {
+    if (!Assicura(n)) return false;
+    using T = typename V::value_type;
+    if (v.capacity() / 2 > n / sizeof(T)) V().swap(v);
+    const T* primo = reinterpret_cast<const T*>(Dati());
+    v.assign(primo, primo + n / sizeof(T));
+    Consuma(n);
+    return true;
+  }
+
+  static constexpr size_t kBuffer = 16 * 1024;
+
   // Passes over n bytes, adding them to a check.
   bool Salta(size_t n, IAtomTagPieces& pezzi, uint32_t& check) {
     while (n > 0) {
@@ -133,7 +165,6 @@ class Lettore {
   }
 
  private:
-  static constexpr size_t kBuffer = 16 * 1024;
   int fd_;
   uint64_t daLeggere_;
   size_t inizio_ = 0, fine_ = 0;
@@ -181,6 +212,11 @@ EsitoAtomi LeggiAtomi(int fd, uint64_t size, IAtomTagPieces& pezzi, bool senzaLo
   const size_t f = IAtomTagDecoderBin::GetSizeFooter();
   Lettore in(fd, size);
   std::vector<size_t> posizioni;  // of the fixed records in out.Piccoli
+  // Room for the fixed records of a file of many variants without moving
+  // them (the file's size bounds what they can need).
+  out.Piccoli.reserve(static_cast<size_t>(std::min<uint64_t>(size, 64 * 1024)));
+  out.Atomi.reserve(64);
+  posizioni.reserve(64);
   std::string tag;
   uint64_t resto = size;
   bool valido = true;
@@ -199,34 +235,40 @@ EsitoAtomi LeggiAtomi(int fd, uint64_t size, IAtomTagPieces& pezzi, bool senzaLo
     uint32_t check = pezzi.checkBegin(in.Dati());
     in.Consuma(h);
 
-    const Genere genere = Classifica(tag, dim, senzaLogo);
-    if (genere != Genere::Ignorato) {
+    Genere tipo = Genere::File;
+    const Uso genere = Classifica(tag, dim, senzaLogo, tipo);
+    if (genere != Uso::Ignorato) {
       out.Atomi.emplace_back();
-      out.Atomi.back().Tag = tag;
+      out.Atomi.back().Tipo = tipo;
       out.Atomi.back().Dim = dim;
     }
-    AtomoLetto* a = genere == Genere::Ignorato ? nullptr : &out.Atomi.back();
+    AtomoLetto* a = genere == Uso::Ignorato ? nullptr : &out.Atomi.back();
     unsigned char* dest = nullptr;
     bool letto = true;
     switch (genere) {
-      case Genere::Piccolo:
+      case Uso::Piccolo:
         posizioni.push_back(out.Piccoli.size());
         out.Piccoli.resize(out.Piccoli.size() + dim);
         dest = out.Piccoli.data() + posizioni.back();
         break;
-      case Genere::Punti:
+      case Uso::Punti:
         a->Punti = scorte.Punti.Prendi();
-        dest = Dimensiona(a->Punti->Punti, dim / kSizePunto);
+        if (dim <= Lettore::kBuffer) {
+          letto = in.Copia(a->Punti->Punti, dim);
+          if (letto) check = pezzi.checkAdd(check, a->Punti->Punti.data(), dim);
+        } else {
+          dest = Dimensiona(a->Punti->Punti, dim / kSizePunto);
+        }
         break;
-      case Genere::Fondi:
+      case Uso::Fondi:
         a->Fondi = scorte.Fondi.Prendi();
         dest = Dimensiona(a->Fondi->Fondi, dim / kSizeFondo);
         break;
-      case Genere::Logo:
+      case Uso::Logo:
         a->Logo = scorte.Loghi.Prendi();
         letto = LeggiLogo(in, dim, pezzi, check, *a);
         break;
-      case Genere::Ignorato:
+      case Uso::Ignorato:
         letto = in.Salta(dim, pezzi, check);
         break;
     }
@@ -269,18 +311,19 @@ EsitoAtomi DecodificaAtomi(int fd, uint64_t size, IAtomTagDecoderBin& decoder, b
   std::vector<SAtomTag> atomi;
   if (!decoder.decode(out.Intero.get(), totale, atomi)) return EsitoAtomi::NonValido;
   for (const SAtomTag& s : atomi) {
-    const Genere genere = Classifica(s.Tag, s.Dim, senzaLogo);
-    if (genere == Genere::Ignorato) continue;
+    Genere tipo = Genere::File;
+    const Uso genere = Classifica(s.Tag, s.Dim, senzaLogo, tipo);
+    if (genere == Uso::Ignorato) continue;
     out.Atomi.emplace_back();
     AtomoLetto& a = out.Atomi.back();
-    a.Tag = s.Tag;
+    a.Tipo = tipo;
     a.Dim = s.Dim;
-    if (genere == Genere::Piccolo) {
+    if (genere == Uso::Piccolo) {
       a.Dati = s.Dati;
-    } else if (genere == Genere::Punti) {
+    } else if (genere == Uso::Punti) {
       a.Punti = scorte.Punti.Prendi();
       memcpy(Dimensiona(a.Punti->Punti, s.Dim / kSizePunto), s.Dati, s.Dim);
-    } else if (genere == Genere::Fondi) {
+    } else if (genere == Uso::Fondi) {
       a.Fondi = scorte.Fondi.Prendi();
       memcpy(Dimensiona(a.Fondi->Fondi, s.Dim / kSizeFondo), s.Dati, s.Dim);
     } else {

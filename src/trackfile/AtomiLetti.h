@@ -20,8 +20,11 @@ class IAtomTagPieces;
 // object, nor the disk, until the whole file has been checked.
 namespace vektkk {
 
+// What an atom that a read keeps holds, told by its tag and size once.
+enum class Genere { File, VarianteFw, VarianteSw, Indici, Punti, Fondi, Logo };
+
 struct AtomoLetto {
-  std::string Tag;
+  Genere Tipo = Genere::File;
   uint32_t Dim = 0;
   // A fixed record ("Ptkk", "Vnfo", "V_sw", "Vidx" of their sizes): its bytes.
   const unsigned char* Dati = nullptr;

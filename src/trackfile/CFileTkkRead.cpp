@@ -53,11 +53,10 @@ struct Descrittore {
   }
 };
 
-bool Conta(const std::vector<AtomoLetto>& atoms, const char* tag, uint32_t size, size_t& count) {
-  count = 0;
-  for (const AtomoLetto& a : atoms)
-    if (a.Tag == tag && a.Dim == size) ++count;
-  return count > 0;
+size_t Conta(const std::vector<AtomoLetto>& atoms, vektkk::Genere tipo) {
+  size_t count = 0;
+  for (const AtomoLetto& a : atoms) count += a.Tipo == tipo;
+  return count;
 }
 
 bool IndiceValido(uint16_t idx, size_t count) { return idx == kNessunIndice || idx < count; }
@@ -129,11 +128,9 @@ bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
     }
     const std::vector<AtomoLetto>& atoms = letti.Atomi;
 
-    size_t nFile = 0, nFw = 0, nIdx = 0;
-    Conta(atoms, kTagFile, kSizeFile, nFile);
-    Conta(atoms, kTagVarianteFw, kSizeVarianteFw, nFw);
-    Conta(atoms, kTagIndici, kSizeIndici, nIdx);
-    if (esito != vektkk::EsitoAtomi::Ok || nFile == 0 || nFw != nIdx) {
+    using vektkk::Genere;
+    if (esito != vektkk::EsitoAtomi::Ok || Conta(atoms, Genere::File) == 0 ||
+        Conta(atoms, Genere::VarianteFw) != Conta(atoms, Genere::Indici)) {
       LogEvento(kError.Priorita, kError.Parola, "Can't interpret file %s", path.c_str());
       return false;
     }
@@ -161,13 +158,13 @@ bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
     const AtomoLetto* fw = nullptr;
     const AtomoLetto* sw = nullptr;
     for (const AtomoLetto& a : atoms) {
-      if (a.Tag == kTagFile && a.Dim == kSizeFile) {
+      if (a.Tipo == Genere::File) {
         memcpy(&TagInfoFile, a.Dati, kSizeFile);
-      } else if (a.Tag == kTagVarianteFw && a.Dim == kSizeVarianteFw) {
+      } else if (a.Tipo == Genere::VarianteFw) {
         fw = &a;
-      } else if (a.Tag == kTagVarianteSw && a.Dim == kSizeVarianteSw) {
+      } else if (a.Tipo == Genere::VarianteSw) {
         sw = &a;
-      } else if (a.Tag == kTagIndici && a.Dim == kSizeIndici) {
+      } else if (a.Tipo == Genere::Indici) {
         _STagIndexesVarianteTKK indici;
         memcpy(&indici, a.Dati, kSizeIndici);
         if (!IndiceValido(indici.IdxFondiStradali, FondiStradali.size()) ||
