@@ -53,16 +53,22 @@ void CFileRiassuntivo::Conta() {
 void CFileRiassuntivo::Applica() {
   if (NomiTolti.empty()) return;
   // One pass that frees the records of the removed names and closes the
-  // gaps, keeping the order of the others.
-  std::sort(NomiTolti.begin(), NomiTolti.end());
-  auto fine = std::remove_if(Riassunti.begin(), Riassunti.end(), [&](_SDatoRiassuntivo* r) {
-    if (r == nullptr ||
-        !std::binary_search(NomiTolti.begin(), NomiTolti.end(), ChiaveNome(r->FileName)))
-      return false;
-    Libera(r);
-    return true;
-  });
-  Riassunti.erase(fine, Riassunti.end());
+  // gaps, keeping the order of the others. The table of names, kept since
+  // the names were removed, marks them.
+  _SDatoRiassuntivo** const lista = Riassunti.data();
+  const size_t n = Riassunti.size();
+  size_t tenuti = 0;
+  for (size_t i = 0; i < n; ++i) {
+    _SDatoRiassuntivo* r = lista[i];
+    if (PerNome.ToltoInPosizione(i, r))
+      Libera(r);
+    else
+      lista[tenuti++] = r;
+  }
+  Riassunti.resize(tenuti);
+  for (uint64_t nome : NomiTolti) PerNome.TogliSegno(nome);
+  // Positions have moved: the table searches by name from now on.
+  PerNome.DimenticaPosizioni();
   NomiTolti.clear();
   Pendenti = 0;
 }
@@ -80,6 +86,7 @@ int CFileRiassuntivo::DelFileTkk(const std::string& nome) {
     // No memory for the tables: remove the records at once.
     Contati = false;
     Applica();
+    PerNome.TogliSegno(chiave);
     const STrovaNomeFile trova(nome);
     auto fine = std::remove_if(Riassunti.begin(), Riassunti.end(), [&](_SDatoRiassuntivo* r) {
       if (!trova(r)) return false;

@@ -69,19 +69,36 @@ class ContaNomi {
   void Aggiungi(uint64_t nome);
   // The count of a name, 0 when absent.
   uint32_t Quanti(uint64_t nome) const;
-  // Forgets a name; returns how many records it had.
+  // Forgets a name and marks it removed; returns how many records it had.
   uint32_t Togli(uint64_t nome);
+  // Whether the name was removed since the mark was last cleared.
+  bool Tolto(uint64_t nome) const;
+  void TogliSegno(uint64_t nome);
+  // Whether the record at position i of the list the table was built from
+  // has a removed name: no search while the table has not grown since.
+  bool ToltoInPosizione(size_t i, const _SDatoRiassuntivo* r) const {
+    if (i >= Posizioni_.size()) return ToltoPerNome(r);
+    const uint32_t slot = Posizioni_[i];
+    return slot != kNessuno && Slot_[slot].Tolto;
+  }
+  void DimenticaPosizioni() { Posizioni_.clear(); }
 
  private:
   struct Slot {
     uint64_t Nome;
     uint32_t Quanti;
     bool Usato;
+    bool Tolto;
   };
+  static constexpr uint32_t kNessuno = 0xFFFFFFFFu;
   size_t Cerca(uint64_t nome) const;
+  bool ToltoPerNome(const _SDatoRiassuntivo* r) const;
   void Dimensiona(size_t elementi);
   std::vector<Slot> Slot_;
   size_t Usati_ = 0;
+  // The slot of each entry of the list the table was built from (kNessuno
+  // for a null entry); dropped when the slots move.
+  std::vector<uint32_t> Posizioni_;
 };
 
 inline uint64_t Mescola(uint64_t h) {
