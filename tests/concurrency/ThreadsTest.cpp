@@ -20,6 +20,7 @@
 #include "CFileTkk.h"
 #include "GuidNomeFile.h"
 #include "GuidTkk.h"
+#include "IFileRiassuntivo.h"
 #include "TrackMemoryRecords.h"
 #include "support/TrackFixtures.h"
 
@@ -124,7 +125,9 @@ std::unique_ptr<CFileTkk> DevTrack() {
 // Everything that reaches the generators, at once: new variants without a
 // GUID, saves under generated names (some into one shared folder),
 // conversions of development tracks, and the generators called directly;
-// meanwhile one more thread keeps reporting through the event log.
+// each thread also keeps a summary of its tracks and writes its sorted sets
+// into the shared folder; meanwhile one more thread keeps reporting through
+// the event log.
 TEST(Threads, EveryOperationThatMakesIdentifiers) {
   constexpr int kWorkers = 4;
   pthread_mutex_lock(&vek_evtcontext_mutex);
@@ -147,13 +150,20 @@ TEST(Threads, EveryOperationThatMakesIdentifiers) {
   for (int t = 0; t < kWorkers; ++t) {
     threads.emplace_back([&, t] {
       const std::string dir = t % 2 == 0 ? shared.path() : own[t]->path();
+      std::unique_ptr<IFileRiassuntivo> summary(IFileRiassuntivo::CreateMe());
+      const std::string set = shared.path() + "set" + std::to_string(t);
       while (Clock::now() < end) {
         // A variant without GUID gets one from the generator.
         std::unique_ptr<CFileTkk> track(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
         track->AddTagInfoVariante("GP", "Dev", _STagInfoVarianteTKK_fw(), _STagIndexesVarianteTKK());
         guids[t].push_back(track->GetGuidVariante(0).Valore);
         saved[t].push_back({track.get(), dir, track->SalvaFileInPath(dir, nullptr)});
+        summary->AddVarianteTkk(track.get(), 0);
         tracks[t].push_back(std::move(track));
+        summary->CreaFileLatLonSorted(set + ".bin", set + ".name.idx", set + ".guid.idx");
+        std::vector<int> near;
+        summary->getNearestTracksByHeaversine(0.0, 0.0, 1000, near);
+        badDecodes[t] += summary->GetNumRiassuntivi() != static_cast<int>(tracks[t].size());
 
         DevTrack()->TrasformaPistaUtenteInVek(dir, BEACON_OPTIC);
 
