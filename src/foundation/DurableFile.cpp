@@ -1,3 +1,4 @@
+#include "foundation/SistemaFile.h"
 #include "foundation/DurableFile.h"
 
 #include <errno.h>
@@ -36,7 +37,7 @@ bool ScriviTutto(int fd, const iovec* pezzi, size_t n) {
     lotto[0] = {static_cast<unsigned char*>(pezzi[i].iov_base) + fatti, pezzi[i].iov_len - fatti};
     size_t m = 1;
     for (size_t j = i + 1; j < n && m < kPezziPerScrittura; ++j) lotto[m++] = pezzi[j];
-    const ssize_t scritti = writev(fd, lotto, static_cast<int>(m));
+    const ssize_t scritti = sys::Writev(fd, lotto, static_cast<int>(m));
     if (scritti < 0 && errno == EINTR) continue;
     if (scritti <= 0) return false;
     for (size_t resto = static_cast<size_t>(scritti); resto > 0;) {
@@ -53,10 +54,10 @@ bool ScriviTutto(int fd, const iovec* pezzi, size_t n) {
 }
 
 bool SincronizzaCartella(const std::string& dir) {
-  const int fd = open(dir.empty() ? "." : dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const int fd = sys::Open(dir.empty() ? "." : dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (fd < 0) return false;
-  const bool ok = fsync(fd) == 0;
-  close(fd);
+  const bool ok = sys::Fsync(fd) == 0;
+  sys::Close(fd);
   return ok;
 }
 
@@ -83,10 +84,10 @@ enum class Bersaglio { Assente, Scrivibile, Rifiutato };
 // open for writing. Opening without truncation changes nothing; O_NONBLOCK
 // keeps a FIFO from waiting for a reader.
 Bersaglio Esamina(const std::string& path, struct stat& st) {
-  const int fd = open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  const int fd = sys::Open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (fd < 0) return errno == ENOENT ? Bersaglio::Assente : Bersaglio::Rifiutato;
   const bool regolare = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
-  close(fd);
+  sys::Close(fd);
   return regolare ? Bersaglio::Scrivibile : Bersaglio::Rifiutato;
 }
 
@@ -108,10 +109,10 @@ std::string ScriviTemporaneo(const std::string& path, const iovec* pezzi, size_t
     (void)fchmod(fd, vecchio->st_mode & 0777);
   }
   bool ok = ScriviTutto(fd, pezzi, n);
-  ok = ok && fsync(fd) == 0;
-  ok = close(fd) == 0 && ok;
+  ok = ok && sys::Fsync(fd) == 0;
+  ok = sys::Close(fd) == 0 && ok;
   if (!ok) {
-    unlink(temp.c_str());
+    sys::Unlink(temp.c_str());
     return "";
   }
   return temp;
@@ -124,20 +125,20 @@ std::string ScriviTemporaneo(const std::string& path, const iovec* pezzi, size_t
 int PrendiLucchetto(const std::string& path) {
   const std::string nome = NomeLucchetto(path);
   for (;;) {
-    const int fd = open(nome.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    const int fd = sys::Open(nome.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
     if (fd < 0) return -1;
     int esito;
     do esito = flock(fd, LOCK_EX);
     while (esito != 0 && errno == EINTR);
     struct stat preso, attuale;
     if (esito != 0 || fstat(fd, &preso) != 0) {
-      close(fd);
+      sys::Close(fd);
       return -1;
     }
     if (stat(nome.c_str(), &attuale) == 0 && attuale.st_ino == preso.st_ino &&
         attuale.st_dev == preso.st_dev)
       return fd;
-    close(fd);
+    sys::Close(fd);
   }
 }
 
@@ -148,13 +149,13 @@ int PrendiLucchetto(const std::string& path) {
 // name is checked and the rename made while holding the lock, so the track's
 // name only ever appears with the complete file. Consumes `temp` on success.
 EsitoCreazione Rivendica(const std::string& temp, const std::string& path) {
-  if (link(temp.c_str(), path.c_str()) == 0) {
-    unlink(temp.c_str());
+  if (sys::Link(temp.c_str(), path.c_str()) == 0) {
+    sys::Unlink(temp.c_str());
     return EsitoCreazione::Creato;
   }
   if (errno == EEXIST) return EsitoCreazione::GiaEsistente;
   if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS) return EsitoCreazione::Errore;
-  if (renameat2(AT_FDCWD, temp.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0)
+  if (sys::RenameNoReplace(temp.c_str(), path.c_str()) == 0)
     return EsitoCreazione::Creato;
   if (errno == EEXIST) return EsitoCreazione::GiaEsistente;
   if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) return EsitoCreazione::Errore;
@@ -165,11 +166,11 @@ EsitoCreazione Rivendica(const std::string& temp, const std::string& path) {
   EsitoCreazione esito = EsitoCreazione::Errore;
   if (lstat(path.c_str(), &st) == 0 || errno != ENOENT)
     esito = EsitoCreazione::GiaEsistente;
-  else if (rename(temp.c_str(), path.c_str()) == 0)
+  else if (sys::Rename(temp.c_str(), path.c_str()) == 0)
     esito = EsitoCreazione::Creato;
   // Removed while still held: a waiter finds the name gone and starts over.
-  unlink(NomeLucchetto(path).c_str());
-  close(lucchetto);
+  sys::Unlink(NomeLucchetto(path).c_str());
+  sys::Close(lucchetto);
   return esito;
 }
 
@@ -195,8 +196,8 @@ bool ScriviFileAtomico(const std::string& richiesto, const iovec* pezzi, size_t 
   const std::string temp = ScriviTemporaneo(
       path, pezzi, n, bersaglio == Bersaglio::Scrivibile ? &vecchio : nullptr);
   if (temp.empty()) return false;
-  if (rename(temp.c_str(), path.c_str()) != 0) {
-    unlink(temp.c_str());
+  if (sys::Rename(temp.c_str(), path.c_str()) != 0) {
+    sys::Unlink(temp.c_str());
     return false;
   }
   // The new name is in place; flushing the directory makes it survive a
@@ -215,7 +216,7 @@ EsitoCreazione CreaFileEsclusivo(const std::string& path, const iovec* pezzi, si
   const std::string temp = ScriviTemporaneo(path, pezzi, n, nullptr);
   if (temp.empty()) return EsitoCreazione::Errore;
   const EsitoCreazione esito = Rivendica(temp, path);
-  if (esito != EsitoCreazione::Creato) unlink(temp.c_str());
+  if (esito != EsitoCreazione::Creato) sys::Unlink(temp.c_str());
   if (esito == EsitoCreazione::Creato) SincronizzaCartella(CartellaDi(path));
   return esito;
 }

@@ -1,3 +1,4 @@
+#include "foundation/SistemaFile.h"
 #include "foundation/TempFiles.h"
 
 #include <dirent.h>
@@ -50,10 +51,10 @@ bool ProcessoFinito(pid_t pid) { return kill(pid, 0) != 0 && errno == ESRCH; }
 // A lock file that nobody holds may go: whoever opens it next finds that it
 // no longer carries the name and takes a new one.
 void RimuoviLucchettoLibero(const std::string& path) {
-  const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+  const int fd = sys::Open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
   if (fd < 0) return;
-  if (flock(fd, LOCK_EX | LOCK_NB) == 0) unlink(path.c_str());
-  close(fd);
+  if (flock(fd, LOCK_EX | LOCK_NB) == 0) sys::Unlink(path.c_str());
+  sys::Close(fd);
 }
 
 // Directories cleaned by this process. A forked child starts afresh: its
@@ -96,7 +97,7 @@ int ApriTemporaneo(const std::string& target, mode_t mode, std::string& temp) {
              contatore.fetch_add(1, std::memory_order_relaxed) + 1,
              static_cast<long>(ora.tv_nsec));
     temp = cartella + "." + nome + suffisso;
-    const int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    const int fd = sys::Open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (fd >= 0 || errno != EEXIST) return fd;
   }
   return -1;
@@ -115,7 +116,8 @@ void PulisciAvanzi(const std::string& dir) {
       continue;
     }
     const pid_t scrittore = ScrittoreDi(nome);
-    if (scrittore != 0 && scrittore != io && ProcessoFinito(scrittore)) unlink((dir + nome).c_str());
+    if (scrittore != 0 && scrittore != io && ProcessoFinito(scrittore))
+      sys::Unlink((dir + nome).c_str());
   }
   closedir(d);
 }

@@ -10,6 +10,7 @@
 #include <memory>
 #include <new>
 
+#include "foundation/SistemaFile.h"
 #include "foundation/DurableFile.h"
 #include "foundation/LittleEndian.h"
 #include "summary/CFileRiassuntivo.h"
@@ -36,7 +37,7 @@ bool TroppoGrande(off_t size) {
 // Reads exactly `size` bytes; false on an error or an early end.
 bool LeggiEsatti(int fd, unsigned char* dove, size_t size) {
   while (size > 0) {
-    const ssize_t n = read(fd, dove, size);
+    const ssize_t n = vektkk::sys::Read(fd, dove, size);
     if (n < 0 && errno == EINTR) continue;
     if (n <= 0) return false;
     dove += n;
@@ -89,12 +90,12 @@ void CFileRiassuntivo::ScriviRiassuntivo(const std::vector<_SDatoRiassuntivo*>& 
 void CFileRiassuntivo::LeggiRiassuntivo(const std::string& path) {
   SvuotaVarianti();
   // Not blocking on a FIFO: only a regular file is read.
-  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  const int fd = vektkk::sys::Open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) return;
   struct stat st;
   if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size % kDim != 0 ||
       TroppoGrande(st.st_size)) {
-    close(fd);
+    vektkk::sys::Close(fd);
     return;
   }
   try {
@@ -112,7 +113,7 @@ void CFileRiassuntivo::LeggiRiassuntivo(const std::string& path) {
   } catch (const std::bad_alloc&) {
     SvuotaVarianti();
   }
-  close(fd);
+  vektkk::sys::Close(fd);
 }
 
 bool CFileRiassuntivo::SalvaFileDev(const std::string& path) {

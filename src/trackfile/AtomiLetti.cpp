@@ -10,6 +10,7 @@
 #include "platform/IAtomTagDecoderBin.h"
 #include "platform/IAtomTagPieces.h"
 #include "trackfile/TrackFileFormat.h"
+#include "foundation/SistemaFile.h"
 
 using namespace vektkk::tkk;
 
@@ -89,7 +90,7 @@ class Lettore {
     while (fine_ < n) {
       const size_t chiesti = static_cast<size_t>(std::min<uint64_t>(kBuffer - fine_, daLeggere_));
       if (chiesti == 0) return false;
-      const ssize_t letti = read(fd_, buffer_ + fine_, chiesti);
+      const ssize_t letti = sys::Read(fd_, buffer_ + fine_, chiesti);
       if (letti < 0 && errno == EINTR) continue;
       if (letti <= 0) return false;
       fine_ += static_cast<size_t>(letti);
@@ -111,7 +112,7 @@ class Lettore {
       if (resto > daLeggere_) return false;
       iovec parti[2] = {{dest + fatti, resto},
                         {buffer_, static_cast<size_t>(std::min<uint64_t>(kBuffer, daLeggere_ - resto))}};
-      const ssize_t letti = readv(fd_, parti, 2);
+      const ssize_t letti = sys::Readv(fd_, parti, 2);
       if (letti < 0 && errno == EINTR) continue;
       if (letti <= 0) return false;
       daLeggere_ -= static_cast<uint64_t>(letti);
@@ -303,7 +304,7 @@ EsitoAtomi DecodificaAtomi(int fd, uint64_t size, IAtomTagDecoderBin& decoder, b
   out.Intero.reset(new unsigned char[totale]);
   size_t letti = 0;
   while (letti < totale) {
-    const ssize_t n = read(fd, out.Intero.get() + letti, totale - letti);
+    const ssize_t n = sys::Read(fd, out.Intero.get() + letti, totale - letti);
     if (n < 0 && errno == EINTR) continue;
     if (n <= 0) return EsitoAtomi::Corto;
     letti += static_cast<size_t>(n);

@@ -8,6 +8,7 @@
 
 #include "CFileTkk.h"
 #include "TrackMemoryRecords.h"
+#include "foundation/SistemaFile.h"
 #include "foundation/LogEvento.h"
 
 std::string GetNomeFileEsterno(const std::string& /*path*/) { return std::string(); }
@@ -20,7 +21,7 @@ uint32_t CFileTkk::SaveTrackFileLogoBuffer(std::vector<unsigned char>& buffer,
   }
   buffer.clear();
   // Only a regular file is read; O_NONBLOCK keeps a FIFO from waiting.
-  const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  const int fd = vektkk::sys::Open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (fd < 0) return 0;
   uint32_t letti = 0;
   struct stat st;
@@ -29,7 +30,7 @@ uint32_t CFileTkk::SaveTrackFileLogoBuffer(std::vector<unsigned char>& buffer,
     try {
       buffer.resize(static_cast<size_t>(st.st_size));
       while (letti < buffer.size()) {
-        const ssize_t n = read(fd, buffer.data() + letti, buffer.size() - letti);
+        const ssize_t n = vektkk::sys::Read(fd, buffer.data() + letti, buffer.size() - letti);
         if (n < 0 && errno == EINTR) continue;
         if (n <= 0) break;
         letti += static_cast<uint32_t>(n);
@@ -39,7 +40,7 @@ uint32_t CFileTkk::SaveTrackFileLogoBuffer(std::vector<unsigned char>& buffer,
     }
     if (letti != buffer.size()) letti = 0;
   }
-  close(fd);
+  vektkk::sys::Close(fd);
   if (letti == 0) buffer.clear();
   return letti;
 }

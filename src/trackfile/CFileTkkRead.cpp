@@ -13,6 +13,7 @@
 #include "CFileTkk.h"
 #include "GuidNomeFile.h"
 #include "TrackMemoryRecords.h"
+#include "foundation/SistemaFile.h"
 #include "foundation/LogEvento.h"
 #include "platform/IAtomTagDecoderBin.h"
 #include "platform/IAtomTagPieces.h"
@@ -36,7 +37,7 @@ EsitoApertura Apri(const std::string& path, int& fd, uint64_t& size) {
   size = 0;
   // O_NONBLOCK: a FIFO or a device must not keep the open waiting; only a
   // regular file is read, and its reads ignore the flag.
-  fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  fd = vektkk::sys::Open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (fd < 0) return EsitoApertura::NonApribile;
   struct stat st;
   if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) return EsitoApertura::NonApribile;
@@ -49,7 +50,7 @@ EsitoApertura Apri(const std::string& path, int& fd, uint64_t& size) {
 struct Descrittore {
   int fd = -1;
   ~Descrittore() {
-    if (fd >= 0) close(fd);
+    if (fd >= 0) vektkk::sys::Close(fd);
   }
 };
 

@@ -5,6 +5,7 @@
 #include <string.h>
 #include <unistd.h>
 
+#include "foundation/SistemaFile.h"
 #include "foundation/DurableFile.h"
 #include "platform/IStrConv.h"
 
@@ -28,9 +29,9 @@ void ScriviImmagine(const SLogo& logo, const std::string& cartella, const std::s
   // An image file counts as there when it opens for reading and writing;
   // one that exists but does not open so is neither replaced nor copied.
   // Most reads find the image there: nothing is written then.
-  const int fd = open(logo.NomeFile.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  const int fd = sys::Open(logo.NomeFile.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (fd >= 0) {
-    close(fd);
+    sys::Close(fd);
     if (!nuovoNomeLogo) return;
   } else {
     if (errno != ENOENT) return;
