@@ -14,6 +14,7 @@
 #include "StagedFolder.h"
 #include "SummaryBuild.h"
 #include "SummaryDiff.h"
+#include "SummaryRecords.h"
 #include "TextTable.h"
 #include "TrackBuilder.h"
 
@@ -130,6 +131,27 @@ TEST(BuildSummary, TracksInNameOrderVariantByVariantAndUnreadableOnesListed) {
   EXPECT_THROW(BuildSummary(dir.path + "/notes.txt"), BadInput);
 }
 
+TEST(ListSummary, EveryRecordInItsOrderAndAsATable) {
+  TempDir dir;
+  std::vector<_SDatoRiassuntivo> records = {Record("aaaaaaaa", 0, "Monza", 0),
+                                            Record("bbbbbbbb", 1, "Imola", 0)};
+  records[1].Length = 4909.0f;
+  records[1].RifLat = -338000000;
+  const std::unique_ptr<IFileRiassuntivo> summary = OpenSummary(dir.Write("s.bin", Bytes(records)));
+  const nlohmann::json list = ListSummary(*summary);
+  ASSERT_EQ(list.size(), 2u);
+  EXPECT_EQ(list[1]["position"], 1);
+  EXPECT_EQ(list[1]["fileName"], "bbbbbbbb");
+  EXPECT_EQ(list[1]["variant"], 1);
+  EXPECT_EQ(list[1]["lat"], -33.8);
+  const std::string text = ListText(list);
+  EXPECT_NE(
+      text.find("\n1  bbbbbbbb    1  Imola  IT             -33.80000  0.00000  4.909 km  2015-"),
+      std::string::npos)
+      << text;
+  EXPECT_EQ(text.substr(text.size() - 11), "2 variants\n");
+}
+
 TEST(NearestTracks, NearestFirstWithinReachAndLimited) {
   TempDir dir;
   TwoTracks(dir);
@@ -216,28 +238,35 @@ TEST(StagedFolder, FilesAppearTogetherOrNotAtAll) {
 TEST(CataloguePage, ARowAndAPicturePerVariantNamesEscapedNoScript) {
   TempDir dir;
   std::vector<std::unique_ptr<IFileTkk>> tracks;
-  Circuit c = Square("Fish & <Chips>", 52.07, -1.02, 2);
-  tracks.push_back(BuildTrack(c, NewTrackOptions()));
+  tracks.push_back(BuildTrack(Square("Fish & <Chips>", 52.07, -1.02, 2), NewTrackOptions()));
+  tracks.push_back(BuildTrack(Square("Abbey", 52.07, -1.02, 1), NewTrackOptions()));
   SaveTracks(tracks, dir.path);
   const SummaryBuild build = BuildSummary(dir.path);
+  // Rows in the summary's order (Fish saved first) come out by nation, site and variant.
   std::vector<CatalogueRow> rows;
-  for (int i = 0; i < 2; ++i) {
-    CatalogueRow row;
-    build.summary->GetDatoRiassuntivo(row.record, i);
-    row.variant = &build.tracks[0].variants[static_cast<size_t>(i)];
-    row.geojson = "x.geojson";
-    rows.push_back(row);
+  for (const SummarisedTrack& track : build.tracks) {
+    for (size_t v = 0; v < track.variants.size(); ++v) {
+      CatalogueRow row;
+      build.summary->GetDatoRiassuntivo(row.record, static_cast<int>(track.firstRecord + v));
+      row.variant = &track.variants[v];
+      row.geojson = "x.geojson";
+      rows.push_back(row);
+    }
   }
-  const std::string page = CataloguePage(rows, 1);
+  const std::string page = CataloguePage(rows, 2);
   const auto count = [&page](const std::string& what) {
     size_t n = 0;
     for (size_t at = page.find(what); at != std::string::npos; at = page.find(what, at + 1)) ++n;
     return n;
   };
   EXPECT_EQ(page.rfind("<!DOCTYPE html>", 0), 0u);
-  EXPECT_EQ(count("<tr class=\"variant\""), 2u);
-  EXPECT_EQ(count("<svg"), 2u);
-  EXPECT_EQ(count("href=\"x.geojson\""), 2u);
+  EXPECT_EQ(count("<tr class=\"variant\""), 3u);
+  EXPECT_EQ(count("<svg"), 3u);
+  EXPECT_EQ(count("href=\"x.geojson\""), 3u);
+  const size_t abbey = page.find("\"name\">Abbey<");
+  const size_t fish = page.find("\"name\">Fish");
+  EXPECT_LT(abbey, fish);
+  EXPECT_LT(page.find(">L0 · Race Track<", fish), page.find(">L1 · Race Track<", fish));
   EXPECT_EQ(count("\"name\">Fish &amp; &lt;Chips&gt;</span>"), 2u);
   EXPECT_EQ(count("<script"), 0u);
   EXPECT_EQ(count("<td />") + count("<div />") + count("<a />"), 0u);  // HTML has no <x/>
