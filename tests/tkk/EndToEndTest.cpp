@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -110,6 +112,93 @@ TEST(TkkEndToEnd, EveryF1CircuitImportsMeasuresAndExports) {
   EXPECT_EQ(Entries(tracks).size(), inputs.size());
 }
 
+// Each f1 circuit as a track file with its nation: map id -> track file.
+std::map<std::string, std::string> ImportF1(const std::string& tracks) {
+  const std::string circuits = std::string(F1_CIRCUITS) + "/circuits";
+  std::map<std::string, std::string> made;
+  for (const std::string& name : Entries(circuits)) {
+    std::string nation = name.substr(0, 2);
+    std::transform(nation.begin(), nation.end(), nation.begin(), ::toupper);
+    const Result r =
+        Tkk("new --json " + Quote(circuits + "/" + name) + " -o " + tracks + " --nation " + nation);
+    EXPECT_EQ(r.status, 0) << r.err;
+    if (r.status == 0) made[name.substr(0, name.size() - 8)] = nlohmann::json::parse(r.out)[0];
+  }
+  return made;
+}
+
+std::string FileNameOf(const std::string& track) { return track.substr(track.size() - 12, 8); }
+
+TEST(TkkEndToEnd, SummaryOfTheF1CircuitsFindsEachNearestAndTellsWhatChanged) {
+  const std::string tracks = FreshDir("summary-tracks");
+  const std::string out = FreshDir("summary");
+  const std::map<std::string, std::string> made = ImportF1(tracks);
+  ASSERT_GE(made.size(), 30u);
+  const Result built = Tkk("summary build " + tracks + " -o " + out + " --html");
+  ASSERT_EQ(built.status, 0) << built.err;
+  EXPECT_EQ(Entries(out).size(), 14 + made.size() + 1);
+  EXPECT_EQ(Slurp(out + "/summary.bin").size(), 128 * made.size());
+
+  // The catalogue page as a browser has it after loading: a row and an
+  // outline picture per variant.
+  const std::string profile = FreshDir("chromium-profile");
+  const Result dom = Sh("timeout 120 chromium --headless --no-sandbox --disable-gpu --disable-quic "
+                        "--no-first-run --disable-background-networking --disable-component-update "
+                        "--disable-sync --user-data-dir=" + profile + " --dump-dom file://" + out +
+                        "/index.html");
+  ASSERT_EQ(dom.status, 0) << dom.err;
+  size_t rows = 0;
+  for (size_t at = dom.out.find("<tr class=\"variant\""); at != std::string::npos;
+       at = dom.out.find("<tr class=\"variant\"", at + 1)) {
+    const std::string row = dom.out.substr(at, dom.out.find("</tr>", at) - at);
+    EXPECT_NE(row.find("<svg"), std::string::npos) << row.substr(0, 200);
+    EXPECT_NE(row.find(".geojson\""), std::string::npos);
+    ++rows;
+  }
+  EXPECT_EQ(rows, made.size());
+
+  const nlohmann::json places =
+      nlohmann::json::parse(Slurp(std::string(F1_CIRCUITS) + "/f1-locations.json"));
+  for (const auto& place : places) {
+    const std::string id = place["id"];
+    SCOPED_TRACE(id);
+    const Result r = Tkk("nearest --json --limit 3 " + out + "/summary.bin " + place["lat"].dump() + " " +
+                         place["lon"].dump());
+    ASSERT_EQ(r.status, 0) << r.err;
+    const nlohmann::json nearest = nlohmann::json::parse(r.out);
+    ASSERT_FALSE(nearest.empty());
+    EXPECT_EQ(nearest[0]["fileName"], FileNameOf(made.at(id)));
+    EXPECT_LT(nearest[0]["distanceM"].get<double>(), 5000.0);
+  }
+
+  // Two tracks deleted, two replaced by other tracks under their own names.
+  const std::string before = out + "/summary.bin";
+  const std::string later = FreshDir("summary-later");
+  ASSERT_EQ(system(("cp " + before + " " + later + "/old.bin").c_str()), 0);
+  const std::vector<std::string> ids = {"it-1922", "gb-1948", "mc-1929", "jp-1962"};
+  ASSERT_EQ(system(("rm " + made.at(ids[0]) + " " + made.at(ids[1])).c_str()), 0);
+  ASSERT_EQ(system(("cp " + made.at("be-1925") + " " + made.at(ids[2])).c_str()), 0);
+  ASSERT_EQ(system(("cp " + made.at("br-1940") + " " + made.at(ids[3])).c_str()), 0);
+  ASSERT_EQ(Tkk("summary build " + tracks + " -o " + later).status, 0);
+  const Result diff = Tkk("diff --json " + later + "/old.bin " + later + "/summary.bin");
+  ASSERT_EQ(diff.status, 0) << diff.err;
+  const nlohmann::json d = nlohmann::json::parse(diff.out);
+  const auto names = [&d](std::initializer_list<const char*> kinds) {
+    std::set<std::string> files;
+    for (const char* kind : kinds) {
+      for (const auto& e : d[kind]) files.insert(e["fileName"].get<std::string>());
+    }
+    return files;
+  };
+  EXPECT_EQ(names({"removed"}),
+            (std::set<std::string>{FileNameOf(made.at(ids[0])), FileNameOf(made.at(ids[1]))}));
+  EXPECT_EQ(names({"newer", "older"}),
+            (std::set<std::string>{FileNameOf(made.at(ids[2])), FileNameOf(made.at(ids[3]))}));
+  EXPECT_TRUE(d["new"].empty());
+  EXPECT_EQ(d["equal"].size(), made.size() - 4);
+  EXPECT_EQ(d["removed"][0]["nation"].get<std::string>().size(), 2u);
+}
+
 TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
   const std::string in = FreshDir("bad-in");
   const std::string out = FreshDir("bad-out");
@@ -122,6 +211,9 @@ TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
   const std::string track = in + "/" + Entries(in)[0];
   const std::string bytes = Slurp(track);
   std::ofstream(in + "/cut.tkk", std::ios::binary) << bytes.substr(0, bytes.size() / 2);
+
+  const std::string junk = FreshDir("bad-in/only-junk");
+  std::ofstream(junk + "/x.tkk") << "not a track";
 
   const std::string cases[] = {
       "new " + in + "/missing.geojson -o " + out,
@@ -136,6 +228,17 @@ TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
       "new " + good + " -o " + out + "/missing",
       "export " + track + " --format shp",
       "guid decode 0000000Z",
+      "summary list " + in + "/missing.bin",
+      "summary list " + in,
+      "summary list " + write("cut.bin", std::string(200, 'x')),
+      "nearest " + write("empty.bin", "") + " abc 9",
+      "nearest " + in + "/empty.bin 91 9",
+      "nearest " + in + "/empty.bin 45 9 --within -5",
+      "diff " + in + "/empty.bin " + in + "/missing.bin",
+      "summary build " + in + "/missing -o " + out,
+      "summary build " + junk + " -o " + out,
+      "summary build " + FreshDir("bad-in/no-tracks") + " -o " + out,
+      "summary build " + in + " -o " + out + "/missing",
       "frobnicate",
   };
   for (const std::string& args : cases) {

@@ -36,6 +36,9 @@ Runner AttachNew(CLI::App& app);
 Runner AttachExport(CLI::App& app);
 Runner AttachRender(CLI::App& app);
 Runner AttachGuid(CLI::App& app);
+Runner AttachSummary(CLI::App& app);
+Runner AttachNearest(CLI::App& app);
+Runner AttachDiff(CLI::App& app);
 
 }  // namespace tkk
 

@@ -3,8 +3,6 @@
 namespace tkk {
 
 const std::vector<Command>& CommandTable() {
-  // The summary commands (summary build|list, nearest, diff) join this table
-  // with a file of their own each, attached the way guid attaches its two.
   static const std::vector<Command> table = {
       {"info", "Everything about a track file", AttachInfo},
       {"check", "Check track files: IsGood and the geometric checks (exit 1 on a failure)",
@@ -12,6 +10,9 @@ const std::vector<Command>& CommandTable() {
       {"new", "Make track files from GeoJSON or GPX outlines", AttachNew},
       {"export", "Export a track as GeoJSON, GPX or KML", AttachExport},
       {"render", "Draw a variant of a track as an SVG map", AttachRender},
+      {"summary", "Build a summary of a folder of track files, or list one", AttachSummary},
+      {"nearest", "The tracks of a summary nearest a GPS position", AttachNearest},
+      {"diff", "What changed between two summaries", AttachDiff},
       {"guid", "Make or decode track GUIDs and file names", AttachGuid},
   };
   return table;

@@ -30,6 +30,13 @@ std::string GuidText(const _UGuidTkk& guid) {
   return text;
 }
 
+std::string DateText(const _UDataOraTkk& date) {
+  tm when;
+  memset(&when, 0, sizeof when);
+  IDataOraTkk::GetDaDataOraTkk(date, when);
+  return IsoDate(when);
+}
+
 nlohmann::json DescribeGuid(const _UGuidTkk& guid) {
   tm when;
   memset(&when, 0, sizeof when);

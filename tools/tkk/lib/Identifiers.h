@@ -25,6 +25,9 @@ nlohmann::json DescribeFileName(const std::string& path);
 // BadInput when the text is neither.
 nlohmann::json DecodeIdentifier(const std::string& text);
 
+// A packed date as the tool writes it: UTC, ISO 8601.
+std::string DateText(const _UDataOraTkk& date);
+
 // A new track GUID and a new file name for the given flags.
 nlohmann::json NewIdentifiers(bool maker, bool dev);
 

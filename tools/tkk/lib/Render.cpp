@@ -120,6 +120,10 @@ void DrawScaleBar(pugi::xml_node svg, const Canvas& canvas) {
 
 }  // namespace
 
+std::string MapViewBox() {
+  return "0 " + Px(kMapTop) + " " + Px(kWidth) + " " + Px(kMapBottom - kMapTop);
+}
+
 double ScaleBarLength(double metres) {
   if (!(metres > 0)) return 1.0;
   const double power = pow(10.0, floor(log10(metres)));
@@ -153,7 +157,9 @@ std::string RenderSvg(const ExportedVariant& v) {
                                             {"font-family", "DejaVu Sans, Arial, sans-serif"}});
   const std::string title = v.track.empty() || v.track == v.site ? v.site : v.site + " – " + v.track;
   AddText(svg, "title", title);
-  Element(svg, "rect", {{"width", "100%"}, {"height", "100%"}, {"fill", "#f6f5ef"}});
+  // The background in units, not percent, so that a view of part of the
+  // picture (a thumbnail's viewBox) is still covered.
+  Element(svg, "rect", {{"width", Px(kWidth)}, {"height", Px(kHeight)}, {"fill", "#f6f5ef"}});
 
   std::string d;
   for (size_t i = 0; i < path.size(); ++i) d += (i ? " L" : "M") + Px(canvas.X(path[i])) + "," + Px(canvas.Y(path[i]));

@@ -18,6 +18,10 @@ namespace tkk {
 std::string RenderSvg(IFileTkk& track, size_t variant);
 std::string RenderSvg(const ExportedVariant& variant);
 
+// The part of every picture RenderSvg draws that holds the map, between the
+// title and the legend, as an SVG viewBox: a thumbnail shows only that.
+std::string MapViewBox();
+
 // A round length for a scale bar of about `metres`: 1, 2 or 5 times a power
 // of ten, not above `metres`.
 double ScaleBarLength(double metres);

@@ -1,0 +1,283 @@
+// Summaries as the tool builds, reads, searches, compares and shows them.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+
+#include "BadInput.h"
+#include "Catalogue.h"
+#include "Geodesy.h"
+#include "NearestTracks.h"
+#include "StagedFolder.h"
+#include "SummaryBuild.h"
+#include "SummaryDiff.h"
+#include "SummaryRecords.h"
+#include "TextTable.h"
+#include "TrackBuilder.h"
+
+namespace tkk {
+namespace {
+
+struct TempDir {
+  TempDir() {
+    char name[] = "/tmp/tkk-summary-XXXXXX";
+    path = mkdtemp(name);
+  }
+  ~TempDir() { EXPECT_EQ(system(("rm -rf " + path).c_str()), 0); }
+  std::string Write(const std::string& name, const std::string& bytes) const {
+    std::ofstream(path + "/" + name, std::ios::binary) << bytes;
+    return path + "/" + name;
+  }
+  bool Has(const std::string& name) const {
+    struct stat st;
+    return stat((path + "/" + name).c_str(), &st) == 0;
+  }
+  std::string path;
+};
+
+Circuit Square(const char* name, double lat, double lon, size_t layouts) {
+  Circuit c;
+  c.name = name;
+  c.nation = "IT";
+  for (size_t i = 0; i < layouts; ++i) {
+    const double d = 0.004 / static_cast<double>(i + 1);
+    c.layouts.push_back({"L" + std::to_string(i),
+                         {{lat, lon}, {lat, lon + d}, {lat + d, lon + d}, {lat + d, lon}}});
+  }
+  return c;
+}
+
+// Monza (two layouts) and Imola as track files in `dir`, with a file that is
+// not a track and a map that is not a .tkk.
+std::vector<std::string> TwoTracks(const TempDir& dir) {
+  std::vector<std::unique_ptr<IFileTkk>> tracks;
+  tracks.push_back(BuildTrack(Square("Monza", 45.62, 9.28, 2), NewTrackOptions()));
+  tracks.push_back(BuildTrack(Square("Imola", 44.34, 11.71, 1), NewTrackOptions()));
+  std::vector<std::string> written = SaveTracks(tracks, dir.path);
+  dir.Write("zz-broken.tkk", "not a track");
+  dir.Write("notes.txt", "x");
+  return written;
+}
+
+_SDatoRiassuntivo Record(const char* file, short variant, const char* name, uint32_t date) {
+  _SDatoRiassuntivo r;
+  memcpy(r.FileName, file, 8);
+  strncpy(r.Name, name, sizeof r.Name);
+  memcpy(r.Country, "IT", 2);
+  r.VariantIdx = variant;
+  r.Date.Valore = date;
+  return r;
+}
+
+std::string Bytes(const std::vector<_SDatoRiassuntivo>& records) {
+  return std::string(reinterpret_cast<const char*>(records.data()),
+                     records.size() * sizeof records[0]);
+}
+
+TEST(Degrees, OnlyFiniteNumbersWithinTheirRange) {
+  EXPECT_EQ(ParseDegrees("45.5", "latitude", 90), 45.5);
+  EXPECT_EQ(ParseDegrees("-90", "latitude", 90), -90.0);
+  EXPECT_EQ(ParseDegrees("180", "longitude", 180), 180.0);
+  for (const char* bad : {"", "abc", "45x", "90.0001", "-91", "nan", "inf", "1e400", " "}) {
+    EXPECT_THROW(ParseDegrees(bad, "latitude", 90), BadInput) << bad;
+  }
+}
+
+TEST(OpenSummary, OnlyWholeRecordsOfAFileThatIsThere) {
+  TempDir dir;
+  EXPECT_EQ(OpenSummary(dir.Write("empty.bin", ""))->GetNumRiassuntivi(), 0);
+  EXPECT_EQ(OpenSummary(dir.Write("two.bin", std::string(256, '\0')))->GetNumRiassuntivi(), 2);
+  for (const std::string& bad :
+       {dir.Write("cut.bin", std::string(129, '\0')), dir.path + "/missing", dir.path}) {
+    EXPECT_THROW(OpenSummary(bad), BadInput) << bad;
+  }
+}
+
+TEST(BuildSummary, TracksInNameOrderVariantByVariantAndUnreadableOnesListed) {
+  TempDir dir;
+  const std::vector<std::string> saved = TwoTracks(dir);
+  std::vector<size_t> progress;
+  const SummaryBuild build = BuildSummary(dir.path, [&](size_t done, size_t total) {
+    EXPECT_EQ(total, 3u);
+    progress.push_back(done);
+  });
+  EXPECT_EQ(progress, (std::vector<size_t>{1, 2, 3}));
+  ASSERT_EQ(build.tracks.size(), 2u);
+  ASSERT_EQ(build.skipped.size(), 1u);
+  EXPECT_EQ(build.skipped[0].path, dir.path + "/zz-broken.tkk");
+  ASSERT_EQ(build.summary->GetNumRiassuntivi(), 3);
+  // Name order: the two tracks as saved (GUID names grow with time).
+  const bool monzaFirst = saved[0] < saved[1];
+  EXPECT_EQ(build.tracks[0].path, monzaFirst ? saved[0] : saved[1]);
+  const size_t monza = monzaFirst ? 0 : 1;
+  EXPECT_EQ(build.tracks[monza].variants.size(), 2u);
+  for (short v = 0; v < 2; ++v) {
+    const _SDatoRiassuntivo* r = nullptr;
+    build.summary->GetDatoRiassuntivo(r, static_cast<int>(build.tracks[monza].firstRecord) + v);
+    EXPECT_EQ(r->VariantIdx, v);
+    EXPECT_EQ(std::string(r->Name), "L" + std::to_string(v));
+  }
+
+  TempDir out;
+  WriteSummarySet(*build.summary, out.path);
+  for (const std::string& name : SummarySetFiles()) EXPECT_TRUE(out.Has(name)) << name;
+  EXPECT_EQ(OpenSummary(out.path + "/by-guid.bin")->GetNumRiassuntivi(), 3);
+  const std::unique_ptr<IFileRiassuntivo> empty(IFileRiassuntivo::CreateMe());
+  TempDir none;
+  EXPECT_THROW(WriteSummarySet(*empty, none.path), BadInput);
+  EXPECT_THROW(BuildSummary(dir.path + "/notes.txt"), BadInput);
+}
+
+TEST(ListSummary, EveryRecordInItsOrderAndAsATable) {
+  TempDir dir;
+  std::vector<_SDatoRiassuntivo> records = {Record("aaaaaaaa", 0, "Monza", 0),
+                                            Record("bbbbbbbb", 1, "Imola", 0)};
+  records[1].Length = 4909.0f;
+  records[1].RifLat = -338000000;
+  const std::unique_ptr<IFileRiassuntivo> summary = OpenSummary(dir.Write("s.bin", Bytes(records)));
+  const nlohmann::json list = ListSummary(*summary);
+  ASSERT_EQ(list.size(), 2u);
+  EXPECT_EQ(list[1]["position"], 1);
+  EXPECT_EQ(list[1]["fileName"], "bbbbbbbb");
+  EXPECT_EQ(list[1]["variant"], 1);
+  EXPECT_EQ(list[1]["lat"], -33.8);
+  const std::string text = ListText(list);
+  EXPECT_NE(
+      text.find("\n1  bbbbbbbb    1  Imola  IT             -33.80000  0.00000  4.909 km  2015-"),
+      std::string::npos)
+      << text;
+  EXPECT_EQ(text.substr(text.size() - 11), "2 variants\n");
+}
+
+TEST(NearestTracks, NearestFirstWithinReachAndLimited) {
+  TempDir dir;
+  TwoTracks(dir);
+  const SummaryBuild build = BuildSummary(dir.path);
+  NearestQuery query;
+  query.lat = 44.5;
+  query.lon = 11.0;  // nearer Imola than Monza
+  const nlohmann::json all = NearestTracks(*build.summary, query);
+  ASSERT_EQ(all.size(), 3u);
+  EXPECT_EQ(all[0]["name"], "L0");
+  EXPECT_EQ(all[0]["nation"], "IT");
+  for (size_t i = 1; i < all.size(); ++i) EXPECT_LE(all[i - 1]["distanceM"], all[i]["distanceM"]);
+  const GeoPoint imola{all[0]["lat"], all[0]["lon"], 0};
+  EXPECT_NEAR(all[0]["distanceM"].get<double>(), HaversineM({44.5, 11.0, 0}, imola), 0.1);
+
+  query.limit = 2;
+  EXPECT_EQ(NearestTracks(*build.summary, query).size(), 2u);
+  query.withinM = static_cast<int>(all[0]["distanceM"].get<double>()) + 1;
+  EXPECT_EQ(NearestTracks(*build.summary, query).size(), 1u);
+  query.withinM = 0;
+  EXPECT_EQ(NearestText(NearestTracks(*build.summary, query)), "no track within reach\n");
+}
+
+TEST(DiffSummaries, EachVariantNewRemovedChangedEitherWayOrEqual) {
+  TempDir dir;
+  const uint32_t may = 0x24800000, june = 0x25000000, year2031 = 0x40000000;
+  const std::vector<_SDatoRiassuntivo> before = {
+      Record("aaaaaaaa", 0, "Two layouts", may), Record("aaaaaaaa", 1, "Short", may),
+      Record("bbbbbbbb", 0, "Removed", may),     Record("cccccccc", 0, "Renamed", may),
+      Record("dddddddd", 0, "Older", june),      Record("eeeeeeee", 0, "Far future", may)};
+  std::vector<_SDatoRiassuntivo> after = {
+      before[0], before[1], before[3], before[4], before[5], Record("ffffffff", 0, "Added", june)};
+  strcpy(after[2].Name, "Renamed again");
+  after[2].Date.Valore = june;
+  after[3].Date.Valore = may;
+  after[4].Date.Valore = year2031;  // never counts as newer
+  const std::unique_ptr<IFileRiassuntivo> older = OpenSummary(dir.Write("old.bin", Bytes(before)));
+  const std::unique_ptr<IFileRiassuntivo> newer = OpenSummary(dir.Write("new.bin", Bytes(after)));
+  const nlohmann::json diff = DiffSummaries(*older, *newer);
+
+  const auto files = [&](const char* kind) {
+    std::vector<std::string> names;
+    for (const auto& e : diff[kind])
+      names.push_back(e["fileName"].get<std::string>() + "/" + e["variant"].dump());
+    return names;
+  };
+  // The second layout of a track is compared with the second layout.
+  EXPECT_EQ(files("equal"), (std::vector<std::string>{"aaaaaaaa/0", "aaaaaaaa/1"}));
+  EXPECT_EQ(files("removed"), (std::vector<std::string>{"bbbbbbbb/0"}));
+  EXPECT_EQ(files("new"), (std::vector<std::string>{"ffffffff/0"}));
+  EXPECT_EQ(files("newer"), (std::vector<std::string>{"cccccccc/0"}));
+  EXPECT_EQ(files("older"), (std::vector<std::string>{"dddddddd/0", "eeeeeeee/0"}));
+  EXPECT_EQ(diff["newer"][0]["name"], "Renamed again");
+  EXPECT_EQ(diff["removed"][0]["name"], "Removed");
+  EXPECT_EQ(diff["removed"][0]["nation"], "IT");
+  const std::string text = DiffText(diff);
+  EXPECT_NE(text.find("changed (newer)      cccccccc  0  IT    Renamed again"), std::string::npos)
+      << text;
+  EXPECT_NE(text.find("2 variants equal"), std::string::npos) << text;
+}
+
+TEST(StagedFolder, FilesAppearTogetherOrNotAtAll) {
+  TempDir out;
+  out.Write("summary.bin", "old");
+  {
+    StagedFolder staged(out.path);
+    std::ofstream(staged.Path("summary.bin")) << "new";
+    EXPECT_THROW(staged.Commit({"summary.bin", "never-written"}), BadInput);
+  }
+  std::ifstream kept(out.path + "/summary.bin");
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(kept), {}), "old");
+  {
+    StagedFolder staged(out.path);
+    std::ofstream(staged.Path("summary.bin")) << "new";
+    std::ofstream(staged.Path("index.html")) << "page";
+    staged.Commit({"summary.bin", "index.html"});
+  }
+  EXPECT_TRUE(out.Has("index.html"));
+  EXPECT_EQ(system(("test $(ls -A " + out.path + " | wc -l) -eq 2").c_str()), 0)
+      << "staging left behind";
+  EXPECT_THROW(StagedFolder(out.path + "/missing"), BadInput);
+}
+
+TEST(CataloguePage, ARowAndAPicturePerVariantNamesEscapedNoScript) {
+  TempDir dir;
+  std::vector<std::unique_ptr<IFileTkk>> tracks;
+  tracks.push_back(BuildTrack(Square("Fish & <Chips>", 52.07, -1.02, 2), NewTrackOptions()));
+  tracks.push_back(BuildTrack(Square("Abbey", 52.07, -1.02, 1), NewTrackOptions()));
+  SaveTracks(tracks, dir.path);
+  const SummaryBuild build = BuildSummary(dir.path);
+  // Rows in the summary's order (Fish saved first) come out by nation, site and variant.
+  std::vector<CatalogueRow> rows;
+  for (const SummarisedTrack& track : build.tracks) {
+    for (size_t v = 0; v < track.variants.size(); ++v) {
+      CatalogueRow row;
+      build.summary->GetDatoRiassuntivo(row.record, static_cast<int>(track.firstRecord + v));
+      row.variant = &track.variants[v];
+      row.geojson = "x.geojson";
+      rows.push_back(row);
+    }
+  }
+  const std::string page = CataloguePage(rows, 2);
+  const auto count = [&page](const std::string& what) {
+    size_t n = 0;
+    for (size_t at = page.find(what); at != std::string::npos; at = page.find(what, at + 1)) ++n;
+    return n;
+  };
+  EXPECT_EQ(page.rfind("<!DOCTYPE html>", 0), 0u);
+  EXPECT_EQ(count("<tr class=\"variant\""), 3u);
+  EXPECT_EQ(count("<svg"), 3u);
+  EXPECT_EQ(count("href=\"x.geojson\""), 3u);
+  const size_t abbey = page.find("\"name\">Abbey<");
+  const size_t fish = page.find("\"name\">Fish");
+  EXPECT_LT(abbey, fish);
+  EXPECT_LT(page.find(">L0 · Race Track<", fish), page.find(">L1 · Race Track<", fish));
+  EXPECT_EQ(count("\"name\">Fish &amp; &lt;Chips&gt;</span>"), 2u);
+  EXPECT_EQ(count("<script"), 0u);
+  EXPECT_EQ(count("<td />") + count("<div />") + count("<a />"), 0u);  // HTML has no <x/>
+}
+
+TEST(TextTable, ColumnsLineUpByCharactersNotBytes) {
+  EXPECT_EQ(TextTable({{"name", "n"}, {"Nürburgring", "12"}, {"Spa", "7"}}, {false, true}),
+            "name          n\n"
+            "Nürburgring  12\n"
+            "Spa           7\n");
+}
+
+}  // namespace
+}  // namespace tkk
