@@ -57,6 +57,38 @@ TEST(SummaryFile, BadFilesGiveAnEmptySummaryWithoutAReport) {
   EXPECT_TRUE(evtrec::Events().empty());
 }
 
+// A summary file cut at every length, and with every byte flipped in turn:
+// whole records only are read, and every operation works on whatever bytes
+// they hold (the sanitizer run watches the reads).
+TEST(SummaryFile, CutAndFlippedFilesReadAndWork) {
+  TempDir dir;
+  _SDatoRiassuntivo a = Rec("Alfa", "ITA", 456200000, 92800000, 5, "0k3f9zq1", Year(2020));
+  _SDatoRiassuntivo b = Rec("Beta", "", -5, 7, 9, "0k3f9zq2", 3);
+  const Bytes golden = BytesOf({&a, &b, &a});
+  const std::string p = dir.path() + "s";
+  auto Prova = [&](const Bytes& bytes, size_t atteso) {
+    fixtures::WriteAll(p, bytes);
+    std::unique_ptr<IFileRiassuntivo> s(IFileRiassuntivo::CreateMeUponFile(p));
+    ASSERT_EQ(static_cast<size_t>(s->GetNumRiassuntivi()), atteso) << bytes.size();
+    std::vector<int> near;
+    s->getNearestTracksByHeaversine(45.62, 9.28, 100000, near);
+    s->GetDatoRiassuntivoNearest(45.62, 9.28);
+    // Computed in full, then refused by a target that is no regular file.
+    s->CreaFileGuidSorted("/dev/null", "/dev/null", "/dev/null");
+    s->CreaFileAlfabSortedConNazioneTestuale("/dev/null");
+    SConfrontoPiste esito;
+    s->ConfrontaConAltro(*s, esito);
+    s->DelFileTkk("0k3f9zq1");
+  };
+  for (size_t n = 0; n <= golden.size(); ++n)
+    Prova(Bytes(golden.begin(), golden.begin() + static_cast<long>(n)), n % 128 == 0 ? n / 128 : 0);
+  for (size_t i = 0; i < golden.size(); ++i) {
+    Bytes flipped = golden;
+    flipped[i] ^= 0xFF;
+    Prova(flipped, 3);
+  }
+}
+
 TEST(SummaryFile, AccessorsAndReservedOperations) {
   const _SDatoRiassuntivo a = Rec("A");
   std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &a});
