@@ -68,7 +68,7 @@ ARM_TARGETS = arm-linux-gnueabihf aarch64-linux-gnu
 test-arm:
 	@./scripts/install-deps.sh --arm
 	@for t in $(ARM_TARGETS); do \
-	  cmake -S . -B build-$$t --toolchain cmake/toolchains/$$t.cmake \
+	  cmake -S . -B build-$$t --toolchain $(CURDIR)/cmake/toolchains/$$t.cmake \
 	    -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVEKTKK_WERROR=ON -DVEKTKK_BUILD_BENCH=OFF >/dev/null && \
 	  cmake --build build-$$t -j$(JOBS) && \
 	  ctest --test-dir build-$$t --output-on-failure -j$(JOBS) || exit 1; \
