@@ -4,7 +4,7 @@
 BUILD_DIR ?= build
 JOBS ?= 2
 
-.PHONY: all deps configure build test demo sanitize tsan release-clang clean
+.PHONY: all deps configure build test demo sanitize tsan release-clang test-arm clean
 
 all: build
 
@@ -60,5 +60,19 @@ release-clang: deps
 	cmake --build $(CLANG_DIR) -j$(JOBS)
 	ctest --test-dir $(CLANG_DIR) --output-on-failure -j$(JOBS)
 
+# Every test again for the loggers' processors, 32- and 64-bit ARM, built
+# with Debian's cross compilers and run under qemu-user (ctest runs each test
+# through the emulator that the toolchain file names). The targets' packages
+# are unpacked into sysroots under .cache/arm/ (see scripts/install-deps.sh).
+ARM_TARGETS = arm-linux-gnueabihf aarch64-linux-gnu
+test-arm:
+	@./scripts/install-deps.sh --arm
+	@for t in $(ARM_TARGETS); do \
+	  cmake -S . -B build-$$t --toolchain $(CURDIR)/cmake/toolchains/$$t.cmake \
+	    -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVEKTKK_WERROR=ON -DVEKTKK_BUILD_BENCH=OFF >/dev/null && \
+	  cmake --build build-$$t -j$(JOBS) && \
+	  ctest --test-dir build-$$t --output-on-failure -j$(JOBS) || exit 1; \
+	done
+
 clean:
-	rm -rf $(BUILD_DIR) $(SAN_DIR) $(TSAN_DIR) $(CLANG_DIR)
+	rm -rf $(BUILD_DIR) $(SAN_DIR) $(TSAN_DIR) $(CLANG_DIR) $(foreach t,$(ARM_TARGETS),build-$(t))

@@ -1,7 +1,12 @@
 #!/bin/sh
 # Installs, with apt, whatever the project needs that is not there yet.
 # Idempotent: when everything is present it only checks and returns.
+# With --arm, also Debian's cross compilers for 32- and 64-bit ARM, qemu-user,
+# and each target's own packages unpacked into a sysroot under .cache/arm/
+# (install-arm-sysroot.sh), for `make test-arm`.
 set -eu
+arm=false
+[ "${1:-}" = --arm ] && arm=true
 
 packages="
   g++
@@ -25,6 +30,7 @@ packages="
   gdal-bin
   chromium
 "
+$arm && packages="$packages g++-arm-linux-gnueabihf g++-aarch64-linux-gnu qemu-user"
 
 missing=""
 for p in $packages; do
@@ -35,7 +41,8 @@ for p in $packages; do
   esac
 done
 
-[ -z "$missing" ] && exit 0
+sysroots() { if $arm; then "$(dirname "$0")/install-arm-sysroot.sh"; fi; }
+[ -z "$missing" ] && { sysroots; exit 0; }
 
 if [ "$(id -u)" -eq 0 ]; then
   as_root=""
@@ -50,3 +57,4 @@ echo "install-deps: installing$missing"
 $as_root apt-get update -q
 # shellcheck disable=SC2086
 DEBIAN_FRONTEND=noninteractive $as_root apt-get install -y -q --no-install-recommends $missing
+sysroots

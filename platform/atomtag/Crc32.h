@@ -11,7 +11,8 @@
 // the newer instructions:
 //   x86-64: folding 512 bits at a time with VPCLMULQDQ (AVX-512), or 128
 //           bits at a time with PCLMULQDQ and SSE4.1 (Crc32X86.h);
-//   ARMv8 with the CRC32 extension: its CRC instructions (Crc32Arm.h);
+//   ARM (GCC, Linux): the CRC32 instructions of ARMv8 where the processor
+//           has them (Crc32Arm.h);
 //   everywhere: zlib, which stays the reference.
 // The folding ways take short buffers and their last bytes eight at a time
 // through tables (Crc32Corto.h): a call into zlib costs more than they do.
@@ -28,8 +29,9 @@
 #if defined(__x86_64__) && defined(__GNUC__)
 #define VEKATOMTAG_CRC32_X86 1
 #include "Crc32X86.h"
-#elif defined(__ARM_FEATURE_CRC32) && defined(__BYTE_ORDER__) && \
-    __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+#elif (defined(__aarch64__) || defined(__arm__)) && defined(__linux__) && \
+    (defined(__ARM_FEATURE_CRC32) || (defined(__GNUC__) && !defined(__clang__))) && \
+    defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
 #define VEKATOMTAG_CRC32_ARM 1
 #include "Crc32Arm.h"
 #endif
@@ -46,7 +48,7 @@ inline Crc32Via Migliore() {
   if (HasVpclmul()) return Crc32Via::Vpclmul;
   if (HasClmul()) return Crc32Via::Clmul;
 #elif defined(VEKATOMTAG_CRC32_ARM)
-  return Crc32Via::Arm;
+  if (HasArmCrc()) return Crc32Via::Arm;
 #endif
   return Crc32Via::Portabile;
 }
@@ -65,7 +67,7 @@ inline bool Crc32Disponibile(Crc32Via via) {
       return crc32_detail::HasVpclmul();
 #elif defined(VEKATOMTAG_CRC32_ARM)
     case Crc32Via::Arm:
-      return true;
+      return crc32_detail::HasArmCrc();
 #endif
     default:
       return false;

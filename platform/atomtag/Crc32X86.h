@@ -45,7 +45,7 @@ constexpr size_t kMinVpclmul = 256;
   __attribute__((target("avx512f,avx512bw,avx512vl,vpclmulqdq,pclmul,sse4.1")))
 
 VEKATOMTAG_CLMUL inline __m128i Load(const unsigned char* p) {
-  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+  return _mm_loadu_si128(reinterpret_cast<const __m128i_u*>(p));  // the unaligned type
 }
 
 // x carried forward by the distance that k encodes, added to next.
@@ -105,7 +105,9 @@ VEKATOMTAG_VPCLMUL inline __m512i Load512(const unsigned char* p) {
 // uninitialised register: their headers start some results from an undefined
 // value that every lane then overwrites.
 #pragma GCC diagnostic push
+#if !defined(__clang__)  // clang has no such warning, and says so
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 #pragma GCC diagnostic ignored "-Wuninitialized"
 
 // Lane i of a register.

@@ -24,7 +24,7 @@ void ContaNomi::Dimensiona(size_t elementi) {
 
 size_t ContaNomi::Cerca(uint64_t nome) const {
   const size_t maschera = Slot_.size() - 1;
-  size_t i = Mescola(nome) & maschera;
+  size_t i = static_cast<size_t>(Mescola(nome)) & maschera;
   while (Slot_[i].Usato && Slot_[i].Nome != nome) i = (i + 1) & maschera;
   return i;
 }

@@ -31,7 +31,7 @@ class TabellaPosizioni {
   // true, or kNessuna.
   template <typename Uguale>
   uint32_t Trova(uint64_t h, Uguale uguale) const {
-    for (size_t i = h & Maschera_;; i = (i + 1) & Maschera_) {
+    for (size_t i = static_cast<size_t>(h) & Maschera_;; i = (i + 1) & Maschera_) {
       const Slot& s = Slot_[i];
       if (s.Pos == kNessuna) return kNessuna;
       if (s.Hash == static_cast<uint32_t>(h >> 32) && uguale(s.Pos)) return s.Pos;
@@ -41,7 +41,7 @@ class TabellaPosizioni {
   // As Trova; when nothing is found, stores `pos` and returns it.
   template <typename Uguale>
   uint32_t TrovaOInserisci(uint64_t h, uint32_t pos, Uguale uguale) {
-    for (size_t i = h & Maschera_;; i = (i + 1) & Maschera_) {
+    for (size_t i = static_cast<size_t>(h) & Maschera_;; i = (i + 1) & Maschera_) {
       Slot& s = Slot_[i];
       if (s.Pos == kNessuna) {
         s = Slot{static_cast<uint32_t>(h >> 32), pos};

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <limits.h>
+
+#include <limits>
 #include <random>
 
 #include "Coordinate.h"
@@ -23,6 +26,12 @@ TEST(Coordinate, DegreesRoundHalfAwayFromZero) {
       {-45.12345675, -451234568},
       {90.0, 900000000},
       {-180.0, -1800000000},
+      // No result is promised past the range; it is the same everywhere.
+      {214.74836475, INT_MAX},
+      {1e300, INT_MAX},
+      {-214.74836485, INT_MIN},
+      {-1e300, INT_MIN},
+      {std::numeric_limits<double>::quiet_NaN(), 0},
   };
   for (const auto& c : cases) EXPECT_EQ(ConvertiLatLonAs32(c.degrees), c.stored) << c.degrees;
 }

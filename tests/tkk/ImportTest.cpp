@@ -52,6 +52,8 @@ TEST(Import, BadDocumentsNameTheProblem) {
        "x, LineString 1, point 1: coordinate is not a number"},
       {false, R"({"type": "LineString", "coordinates": [[1, 2], [3, 91]]})",
        "x, LineString 1, point 2: latitude out of range"},
+      {false, R"({"type": "LineString", "coordinates": [[1, 2, 0], [3, 4, -2147483.648]]})",
+       "x, LineString 1, point 2: altitude out of range"},
       {false, R"({"type": "LineString", "coordinates": [[1, 2]]})",
        "x, LineString 1: an outline needs at least two points"},
       {false, R"({"type": "LineString", "coordinates": [[1, 2], [3, 4])", "x: not valid JSON"},

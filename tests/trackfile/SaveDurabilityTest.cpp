@@ -173,13 +173,22 @@ INSTANTIATE_TEST_SUITE_P(Ways, KilledSave, ::testing::Values(kGiven, kLogoApart)
 // Without hard links and without RENAME_NOREPLACE a generated name was once
 // claimed by an empty placeholder that the rename then replaced: a kill in
 // between left an empty track. Renames are slowed to make that moment wide.
+// Kills fall from a quarter of the time a child takes to save once to three
+// times that, so that some come after complete saves on any processor (an
+// emulated one is many times slower).
 TEST(KilledGeneratedSave, NeverLeavesAnIncompleteTrack) {
   TempDir dir;
   const std::unique_ptr<CFileTkk> track = MakeTrack(8, 500, 2000);
   faults::NoHardLinks(true, true);
   faults::SlowRename(2000);
+  TempDir probe;
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_EQ(0, InChild([&] { return track->SalvaFileInPath(probe.path(), nullptr).empty(); }));
+  const int saveUs = static_cast<int>(std::chrono::duration_cast<std::chrono::microseconds>(
+                                          std::chrono::steady_clock::now() - start)
+                                          .count());
   std::mt19937 rng(20261124);
-  std::uniform_int_distribution<int> delayUs(500, 6000);
+  std::uniform_int_distribution<int> delayUs(saveUs / 4, saveUs * 3);
   for (int kill = 0; kill < 60; ++kill) {
     const pid_t pid = fork();
     ASSERT_GE(pid, 0);

@@ -14,13 +14,14 @@ namespace {
 
 // The slot a pointer to a virtual member function designates. In the
 // Itanium C++ ABI such a pointer holds 1 + the byte offset of the slot; the
-// 32-bit ARM variant holds the offset and marks "virtual" in the adjustment.
+// ARM variant (32- and 64-bit alike) holds the offset and marks "virtual" in
+// the adjustment.
 template <typename Pmf>
 long Slot(Pmf pmf) {
   static_assert(sizeof(Pmf) == 2 * sizeof(ptrdiff_t), "two-word member function pointer");
   ptrdiff_t words[2];
   memcpy(words, &pmf, sizeof words);
-#if defined(__arm__)
+#if defined(__arm__) || defined(__aarch64__)
   if ((words[1] & 1) == 0) return -1;
   return static_cast<long>(words[0] / static_cast<ptrdiff_t>(sizeof(void*)));
 #else

@@ -35,6 +35,9 @@ void ValidateLayout(const Layout& layout, const std::string& where) {
     if (!isfinite(p.lat) || fabs(p.lat) > 90.0) throw BadInput(point + ": latitude out of range");
     if (!isfinite(p.lon) || fabs(p.lon) > 180.0) throw BadInput(point + ": longitude out of range");
     if (!isfinite(p.alt)) throw BadInput(point + ": altitude is not a number");
+    // Stored in millimetres in 32 bits: beyond, the conversion would wrap
+    // differently on 32- and 64-bit processors.
+    if (fabs(p.alt) > 2147483.647) throw BadInput(point + ": altitude out of range");
   }
 }
 
