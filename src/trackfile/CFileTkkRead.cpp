@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <deque>
 #include <memory>
 #include <new>
 
@@ -53,7 +54,7 @@ struct Descrittore {
   }
 };
 
-bool Conta(const std::vector<AtomoLetto>& atoms, const char* tag, uint32_t size, size_t& count) {
+bool Conta(const std::deque<AtomoLetto>& atoms, const char* tag, uint32_t size, size_t& count) {
   count = 0;
   for (const AtomoLetto& a : atoms)
     if (a.Tag == tag && a.Dim == size) ++count;
@@ -127,7 +128,7 @@ bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
       LogEvento(kError.Priorita, kError.Parola, "Can't open file %s", path.c_str());
       return false;
     }
-    const std::vector<AtomoLetto>& atoms = letti.Atomi;
+    const std::deque<AtomoLetto>& atoms = letti.Atomi;
 
     size_t nFile = 0, nFw = 0, nIdx = 0;
     Conta(atoms, kTagFile, kSizeFile, nFile);
