@@ -4,7 +4,7 @@
 BUILD_DIR ?= build
 JOBS ?= 2
 
-.PHONY: all deps configure build test demo sanitize tsan release-clang clean
+.PHONY: all deps configure build test demo sanitize tsan release-clang fuzz clean
 
 all: build
 
@@ -60,5 +60,17 @@ release-clang: deps
 	cmake --build $(CLANG_DIR) -j$(JOBS)
 	ctest --test-dir $(CLANG_DIR) --output-on-failure -j$(JOBS)
 
+# Every fuzz target for FUZZ_SECONDS each, one after another and at low
+# priority, built with clang's libFuzzer and sanitizers in a tree of its own
+# (see fuzz/README.md). Working corpora are kept in $(FUZZ_DIR)/fuzz/corpus.
+FUZZ_DIR ?= build-fuzz
+FUZZ_SECONDS ?= 60
+fuzz: deps
+	@CC=clang CXX=clang++ cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DVEKTKK_WERROR=ON -DVEKTKK_FUZZ=ON -DVEKTKK_BUILD_TESTS=OFF -DVEKTKK_BUILD_BENCH=OFF \
+	  -DVEKTKK_BUILD_TOOLS=OFF >/dev/null
+	cmake --build $(FUZZ_DIR) -j$(JOBS) --target fuzz_all
+	./fuzz/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
+
 clean:
-	rm -rf $(BUILD_DIR) $(SAN_DIR) $(TSAN_DIR) $(CLANG_DIR)
+	rm -rf $(BUILD_DIR) $(SAN_DIR) $(TSAN_DIR) $(CLANG_DIR) $(FUZZ_DIR)
