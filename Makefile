@@ -4,7 +4,7 @@
 BUILD_DIR ?= build
 JOBS ?= 2
 
-.PHONY: all deps configure build test demo sanitize tsan release-clang test-arm clean
+.PHONY: all deps configure build test demo sanitize tsan release-clang test-arm fuzz clean
 
 all: build
 
@@ -74,5 +74,17 @@ test-arm:
 	  ctest --test-dir build-$$t --output-on-failure -j$(JOBS) || exit 1; \
 	done
 
+# Every fuzz target for FUZZ_SECONDS each, one after another and at low
+# priority, built with clang's libFuzzer and sanitizers in a tree of its own
+# (see fuzz/README.md). Working corpora are kept in $(FUZZ_DIR)/fuzz/corpus.
+FUZZ_DIR ?= build-fuzz
+FUZZ_SECONDS ?= 60
+fuzz: deps
+	@CC=clang CXX=clang++ cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DVEKTKK_WERROR=ON -DVEKTKK_FUZZ=ON -DVEKTKK_BUILD_TESTS=OFF -DVEKTKK_BUILD_BENCH=OFF \
+	  -DVEKTKK_BUILD_TOOLS=OFF >/dev/null
+	cmake --build $(FUZZ_DIR) -j$(JOBS) --target fuzz_all
+	./fuzz/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
+
 clean:
-	rm -rf $(BUILD_DIR) $(SAN_DIR) $(TSAN_DIR) $(CLANG_DIR) $(foreach t,$(ARM_TARGETS),build-$(t))
+	rm -rf $(BUILD_DIR) $(SAN_DIR) $(TSAN_DIR) $(CLANG_DIR) $(FUZZ_DIR) $(foreach t,$(ARM_TARGETS),build-$(t))

@@ -15,100 +15,22 @@
 // names hold a '/' is read without logos only, so that nothing is written
 // outside that directory.
 
-#include <dirent.h>
-#include <fcntl.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
-#include <unistd.h>
 
 #include <memory>
 #include <string>
 #include <vector>
 
-#include <zlib.h>
-
 #include "CFileTkk.h"
+#include "FuzzFiles.h"
 #include "TrackMemoryRecords.h"
 
 namespace {
 
 const char kTrackName[] = "0k3f9zq1.tkk";
-constexpr size_t kHeader = 8;
-constexpr size_t kFooter = 4;
-
-void EmptyDir(const std::string& dir) {
-  DIR* d = opendir(dir.c_str());
-  if (d == nullptr) return;
-  while (const dirent* e = readdir(d)) {
-    if (strcmp(e->d_name, ".") != 0 && strcmp(e->d_name, "..") != 0)
-      unlink((dir + e->d_name).c_str());
-  }
-  closedir(d);
-}
-
-std::string g_dir;
-
-void RemoveDir() {
-  EmptyDir(g_dir);
-  rmdir(g_dir.c_str());
-}
-
-// The private directory, ending in "/": under $TMPDIR, else /dev/shm, else
-// /tmp.
-const std::string& Dir() {
-  if (g_dir.empty()) {
-    const char* env = getenv("TMPDIR");
-    std::string base = env != nullptr && *env != '\0' ? env
-                       : access("/dev/shm", W_OK) == 0 ? "/dev/shm"
-                                                       : "/tmp";
-    std::string pattern = base + "/trackfile_fuzz-XXXXXX";
-    if (mkdtemp(&pattern[0]) == nullptr) abort();
-    g_dir = pattern + "/";
-    atexit(RemoveDir);
-  }
-  return g_dir;
-}
-
-uint32_t GetLe32(const unsigned char* p) {
-  return static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 |
-         static_cast<uint32_t>(p[2]) << 16 | static_cast<uint32_t>(p[3]) << 24;
-}
-
-// Rewrites the CRC of every complete atom. Returns false when a logo's name
-// holds a directory separator.
-bool FixCrcs(std::vector<unsigned char>& b) {
-  bool namesSafe = true;
-  size_t p = 0;
-  while (b.size() - p >= kHeader + kFooter) {
-    const size_t size = GetLe32(&b[p + 4]);
-    if (size > b.size() - p - kHeader - kFooter) break;
-    unsigned char* payload = &b[p + kHeader];
-    if (memcmp(&b[p], "lgo\0", 4) == 0) {
-      const void* zero = memchr(payload, 0, size);
-      const size_t nameLength =
-          zero ? static_cast<size_t>(static_cast<const unsigned char*>(zero) - payload) : size;
-      if (memchr(payload, '/', nameLength) != nullptr) namesSafe = false;
-    }
-    uLong crc = crc32(0L, &b[p], static_cast<uInt>(kHeader + size));
-    for (int i = 0; i < 4; ++i) payload[size + i] = static_cast<unsigned char>(crc >> (8 * i));
-    p += kHeader + size + kFooter;
-  }
-  return namesSafe;
-}
-
-bool WriteFile(const std::string& path, const std::vector<unsigned char>& b) {
-  const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-  if (fd < 0) return false;
-  size_t done = 0;
-  while (done < b.size()) {
-    const ssize_t n = write(fd, b.data() + done, b.size() - done);
-    if (n <= 0) break;
-    done += static_cast<size_t>(n);
-  }
-  return close(fd) == 0 && done == b.size();
-}
 
 template <typename T>
 void Check(const T* linked, uint16_t index) {
@@ -166,13 +88,12 @@ void Read(const std::string& path, bool withLogos) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  std::vector<unsigned char> bytes(data, data + size);
-  const bool logosSafe = FixCrcs(bytes);
-  const std::string& dir = Dir();
-  const std::string path = dir + kTrackName;
-  if (!WriteFile(path, bytes)) abort();
+  fuzz::Bytes bytes(data, data + size);
+  const bool logosSafe = fuzz::FixCrcs(bytes);
+  const std::string path = fuzz::Dir() + kTrackName;
+  if (!fuzz::WriteFile(path, bytes)) abort();
   Read(path, false);
   if (logosSafe) Read(path, true);
-  EmptyDir(dir);
+  fuzz::EmptyDir();
   return 0;
 }

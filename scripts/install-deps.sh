@@ -24,6 +24,7 @@ packages="
   syslog-ng-dev
   abigail-tools
   clang
+  libclang-rt-14-dev
   libcli11-dev
   nlohmann-json3-dev
   libpugixml-dev

@@ -104,11 +104,12 @@ VEKATOMTAG_VPCLMUL inline __m512i Load512(const unsigned char* p) {
 // GCC 12 warns, wrongly, that the AVX-512 intrinsics inlined below read an
 // uninitialised register: their headers start some results from an undefined
 // value that every lane then overwrites.
+// Clang knows neither the warning nor the fault.
 #pragma GCC diagnostic push
-#if !defined(__clang__)  // clang has no such warning, and says so
+#if !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
 #pragma GCC diagnostic ignored "-Wuninitialized"
+#endif
 
 // Lane i of a register.
 template <int i>

@@ -97,8 +97,12 @@ int tkkGetGuidFromNomeFile(unsigned char* out8, const char* in) {
   uint64_t value = vektkk::DecodeFixed64(out8);
   uint64_t weight = 1;
   int ok = 1;
+  // The digits are added from the last one: a shorter text has none, and
+  // nothing past its terminator is read.
+  const size_t length = strnlen(in, kCifre);
   for (int pos = kCifre - 1; pos >= 0; --pos, weight *= kBase) {
-    const char* found = in[pos] != '\0' ? strchr(kAlfabeto, in[pos]) : nullptr;
+    const char* found =
+        static_cast<size_t>(pos) < length ? strchr(kAlfabeto, in[pos]) : nullptr;
     if (found == nullptr) {
       ok = 0;
       break;

@@ -216,7 +216,6 @@ EsitoAtomi LeggiAtomi(int fd, uint64_t size, IAtomTagPieces& pezzi, bool senzaLo
   // Room for the fixed records of a file of many variants without moving
   // them (the file's size bounds what they can need).
   out.Piccoli.reserve(static_cast<size_t>(std::min<uint64_t>(size, 64 * 1024)));
-  out.Atomi.reserve(64);
   posizioni.reserve(64);
   std::string tag;
   uint64_t resto = size;

@@ -4,6 +4,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
@@ -67,7 +68,10 @@ class AtomiLetti {
   AtomiLetti(const AtomiLetti&) = delete;
   AtomiLetti& operator=(const AtomiLetti&) = delete;
 
-  std::vector<AtomoLetto> Atomi;  // in file order (only the atoms a read uses)
+  // In file order (only the atoms a read uses). A deque, so that growing it
+  // never holds an old and a new copy at once: a file of many small atoms
+  // would otherwise peak at three times the list.
+  std::deque<AtomoLetto> Atomi;
   std::vector<unsigned char> Piccoli;  // the fixed records' bytes
   std::unique_ptr<unsigned char[]> Intero;  // the whole file, when decoded at once
 };

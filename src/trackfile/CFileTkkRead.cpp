@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <deque>
 #include <memory>
 #include <new>
 
@@ -54,7 +55,7 @@ struct Descrittore {
   }
 };
 
-size_t Conta(const std::vector<AtomoLetto>& atoms, vektkk::Genere tipo) {
+size_t Conta(const std::deque<AtomoLetto>& atoms, vektkk::Genere tipo) {
   size_t count = 0;
   for (const AtomoLetto& a : atoms) count += a.Tipo == tipo;
   return count;
@@ -127,7 +128,7 @@ bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
       LogEvento(kError.Priorita, kError.Parola, "Can't open file %s", path.c_str());
       return false;
     }
-    const std::vector<AtomoLetto>& atoms = letti.Atomi;
+    const std::deque<AtomoLetto>& atoms = letti.Atomi;
 
     using vektkk::Genere;
     if (esito != vektkk::EsitoAtomi::Ok || Conta(atoms, Genere::File) == 0 ||

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 #include <string.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <string>
 
@@ -162,6 +164,25 @@ TEST(TkkFlat, NameReadingStopsAtTheFirstForeignCharacter) {
   char name[9];
   tkkGetNomeFileFromGuid(name, out);
   EXPECT_STREQ(name, "0k3f9zq1");
+}
+
+// A name shorter than eight characters ending right before an unreadable
+// page: reading it must stop at its terminator (it used to read the eighth
+// character first, past the end).
+TEST(TkkFlat, NameReadingOfAShortNameStaysWithinIt) {
+  const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+  void* map = mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(map, MAP_FAILED);
+  char* const end = static_cast<char*>(map) + page;
+  ASSERT_EQ(mprotect(end, page, PROT_NONE), 0);
+  for (const char* name : {"", "0", "0k3f", "0k3f9zq"}) {
+    const size_t size = strlen(name) + 1;
+    memcpy(end - size, name, size);
+    unsigned char out[8] = {0};
+    EXPECT_EQ(tkkGetGuidFromNomeFile(out, end - size), 0) << name;
+    EXPECT_EQ(Value(out), 0u) << name;
+  }
+  munmap(map, 2 * page);
 }
 
 TEST(TkkFlat, NameReadingAddsToWhatTheOutputHeld) {

@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#include <string.h>
+
+#include <string>
 
 #include "BadInput.h"
 #include "Import.h"
@@ -73,6 +76,33 @@ TEST(Import, BadDocumentsNameTheProblem) {
       EXPECT_STREQ(e.what(), c.message);
     }
   }
+}
+
+// Features and collections nested some hundred thousand levels deep used to
+// overflow the stack; they are refused.
+TEST(Import, DeeplyNestedGeoJsonIsRefused) {
+  const std::string line = R"({"type": "LineString", "coordinates": [[1, 2], [3, 4]]})";
+  for (const char* open : {R"({"type": "Feature", "geometry": )",
+                           R"({"type": "GeometryCollection", "geometries": [)",
+                           R"({"type": "FeatureCollection", "features": [)"}) {
+    const bool array = open[strlen(open) - 1] == '[';
+    for (int depth : {33, 200000}) {
+      std::string text;
+      for (int i = 0; i < depth; ++i) text += open;
+      text += line;
+      for (int i = 0; i < depth; ++i) text += array ? "]}" : "}";
+      try {
+        ParseGeoJson(text, "x");
+        ADD_FAILURE() << open << depth;
+      } catch (const BadInput& e) {
+        EXPECT_STREQ(e.what(), "x: GeoJSON objects nested too deeply") << open << depth;
+      }
+    }
+  }
+  // Nesting a map really uses is read.
+  std::string text = R"({"type": "FeatureCollection", "features": [{"type": "Feature", "geometry": )";
+  text += R"({"type": "GeometryCollection", "geometries": [)" + line + "]}}]}";
+  EXPECT_EQ(ParseGeoJson(text, "x").layouts.size(), 1u);
 }
 
 TEST(Import, FilesThatAreNotThere) {

@@ -17,30 +17,36 @@ std::string TextProperty(const json& properties, const char* key) {
   return it != properties.end() && it->is_string() ? it->get<std::string>() : std::string();
 }
 
+// Collections and features may hold one another; a map needs three or four
+// levels. Deeper nesting is refused rather than followed to the end of the
+// stack.
+constexpr int kMaxNesting = 32;
+
 class GeoJsonReader {
  public:
   GeoJsonReader(Circuit& circuit, const std::string& source) : circuit_(circuit), source_(source) {}
 
-  void Object(const json& object, const json& properties) {
+  void Object(const json& object, const json& properties, int depth = 0) {
     if (!object.is_object()) throw BadInput(source_ + ": a GeoJSON object was expected");
+    if (depth > kMaxNesting) throw BadInput(source_ + ": GeoJSON objects nested too deeply");
     const std::string type = TextProperty(object, "type");
     if (type == "FeatureCollection") {
       const auto features = object.find("features");
       if (features == object.end() || !features->is_array()) {
         throw BadInput(source_ + ": FeatureCollection without a features array");
       }
-      for (const json& feature : *features) Object(feature, json());
+      for (const json& feature : *features) Object(feature, json(), depth + 1);
     } else if (type == "Feature") {
       const auto props = object.find("properties");
       const json own = props != object.end() ? *props : json();
       const std::string role = TextProperty(own, "role");
       if (!role.empty() && role != "outline") return;
       const auto geometry = object.find("geometry");
-      if (geometry != object.end() && !geometry->is_null()) Object(*geometry, own);
+      if (geometry != object.end() && !geometry->is_null()) Object(*geometry, own, depth + 1);
     } else if (type == "GeometryCollection") {
       const auto geometries = object.find("geometries");
       if (geometries != object.end() && geometries->is_array()) {
-        for (const json& g : *geometries) Object(g, properties);
+        for (const json& g : *geometries) Object(g, properties, depth + 1);
       }
     } else if (type == "LineString") {
       Line(Coordinates(object), properties);
