@@ -32,14 +32,14 @@ size_t ContaNomi::Cerca(uint64_t nome) const {
 void ContaNomi::Costruisci(const std::vector<_SDatoRiassuntivo*>& lista) {
   Slot_.clear();
   Dimensiona(lista.size());
-  std::vector<uint32_t> posizioni;
-  posizioni.reserve(lista.size());
+  std::vector<uint32_t> posizioni(lista.size());
   // The variants of one file usually follow each other: the slot of the
   // previous name is tried first.
   size_t i = 0;
-  for (const _SDatoRiassuntivo* r : lista) {
+  for (size_t k = 0; k < lista.size(); ++k) {
+    const _SDatoRiassuntivo* r = lista[k];
     if (r == nullptr) {
-      posizioni.push_back(kNessuno);
+      posizioni[k] = kNessuno;
       continue;
     }
     const uint64_t nome = ChiaveNome(r->FileName);
@@ -50,7 +50,7 @@ void ContaNomi::Costruisci(const std::vector<_SDatoRiassuntivo*>& lista) {
       ++Usati_;
     }
     ++s.Quanti;
-    posizioni.push_back(static_cast<uint32_t>(i));
+    posizioni[k] = static_cast<uint32_t>(i);
   }
   Posizioni_.swap(posizioni);
 }
