@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchFiles.h"
 #include "summary/CFileRiassuntivo.h"
 #include "summary/LiteralSummary.h"
 #include "summary/Riassunto.h"
@@ -120,11 +121,7 @@ struct Fixture {
   std::vector<std::string> names;       // 1,000 file names of a
 
   Fixture() {
-    const char* base = getenv("TMPDIR");
-    std::string pattern = std::string(base != nullptr && *base != '\0' ? base : "/tmp") +
-                          "/vektkk-summary-bench-XXXXXX";
-    if (mkdtemp(&pattern[0]) == nullptr) abort();
-    dir = pattern + "/";
+    dir = bench::Cartella();
     std::mt19937 rng(9);
     a = Realistic(rng, kFull, 0);
     for (const _SDatoRiassuntivo& r : a) {
@@ -135,11 +132,6 @@ struct Fixture {
     const std::vector<_SDatoRiassuntivo> fresh = Realistic(rng, kFull - static_cast<int>(b.size()), 1u << 24);
     b.insert(b.end(), fresh.begin(), fresh.end());
     for (int i = 0; i < 1000; ++i) names.push_back(a[rng() % a.size()].GetNomeFile());
-  }
-  ~Fixture() {
-    const std::string cmd = "rm -rf '" + dir + "'";
-    if (system(cmd.c_str()) != 0) {
-    }
   }
   // A summary of the first n records of a side.
   std::unique_ptr<CFileRiassuntivo> Summary(const std::vector<_SDatoRiassuntivo>& side, int64_t n) const {
