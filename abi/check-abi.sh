@@ -10,6 +10,17 @@
 set -eu
 what=$1 lib=$2 abidir=$3 incdir=${4:-}
 
+# One baseline per data model: a 32-bit build (armhf) has another interface
+# by nature (pointers of 4 bytes, constructors that return this in the ARM
+# EABI), so it is compared with a 32-bit recording.
+baseline_of() {
+  if readelf -h "$lib" | grep -q 'Class:[[:space:]]*ELF32'; then
+    echo "$abidir/libvektkk.ilp32.abi"
+  else
+    echo "$abidir/libvektkk.abi"
+  fi
+}
+
 symbols() {
   nm -D --defined-only "$lib" | awk '{print $3}' | LC_ALL=C sort
 }
@@ -22,10 +33,9 @@ case "$what" in
     fi
     ;;
   compat)
-    # The baseline is of an x86-64 build. A build for another 64-bit
-    # processor has the same data model, so its interface must be the same
-    # but for the name of the architecture.
-    baseline=$abidir/libvektkk.abi
+    # A build for another processor of the same data model must have the
+    # same interface but for the name of the architecture.
+    baseline=$(baseline_of)
     arch=$(abidw --no-show-locs "$lib" | sed -n "1s/.*architecture='\([^']*\)'.*/\1/p")
     if ! head -n 1 "$baseline" | grep -q "architecture='$arch'"; then
       tmp=$(mktemp)
@@ -47,7 +57,7 @@ case "$what" in
     ;;
   update)
     abidw --headers-dir "$incdir" --drop-private-types --drop-undefined-syms \
-      --no-show-locs --no-corpus-path --out-file "$abidir/libvektkk.abi" "$lib"
+      --no-show-locs --no-corpus-path --out-file "$(baseline_of)" "$lib"
     symbols > "$abidir/libvektkk.symbols"
     ;;
   *)

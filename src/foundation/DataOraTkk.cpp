@@ -60,6 +60,10 @@ bool _SDataOraTkk::operator>(const _SDataOraTkk& o) const {
   return Ore >= o.Ore && Minuti >= o.Minuti && Secondi > o.Secondi;
 }
 
+// A logger in service after January 2038 must still date its tracks and draw
+// identifiers from the clock.
+static_assert(sizeof(time_t) >= 8, "build with a 64-bit time_t (_TIME_BITS=64)");
+
 bool IDataOraTkk::GetDataOraUTC(tm& t) {
   const time_t now = time(nullptr);
   memset(&t, 0, sizeof t);

@@ -84,6 +84,17 @@ time_t __wrap_time(time_t* out) {
   return g_now;
 }
 
+// On 32-bit processors a 64-bit time_t makes the C library's headers call
+// __time64 under the name time.
+#if defined(__USE_TIME_BITS64) && __TIMESIZE == 32
+time_t __real___time64(time_t* out);
+time_t __wrap___time64(time_t* out) {
+  if (!g_frozen) return __real___time64(out);
+  if (out != nullptr) *out = g_now;
+  return g_now;
+}
+#endif
+
 int __wrap_rand(void) {
   if (g_rand.empty()) return __real_rand();
   const int value = g_rand.front();
