@@ -1,0 +1,241 @@
+#include <gtest/gtest.h>
+#include <string.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "CFileTkk.h"
+#include "CVarianteTkk.h"
+#include "TrackMemoryRecords.h"
+#include "support/EvtLogRecorder.h"
+#include "support/TrackFixtures.h"
+
+namespace {
+
+const struct VariantData {
+  const char *pista, *device, *nation;
+  _eTipoTracciatoTkk type;
+  int zone, delta;
+  int32_t lat;
+} kVariants[] = {
+    {"GP", "Monza GP", "ITA", TRACCIATO_RACE_TRACK, 1, 15, 100},
+    {"Junior", "Monza Jr", "ITB", TRACCIATO_KART_TRACK, 2, 30, 200},
+    {"", "Monza Oval", "ITC", TRACCIATO_OVAL, 3, 45, 300},
+};
+
+// A three-variant track saved and read back.
+std::unique_ptr<CFileTkk> ThreeVariants(const fixtures::TempDir& dir) {
+  std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
+  t->SetNamexSito("Autodromo");
+  for (const VariantData& s : kVariants) {
+    _STagInfoVarianteTKK_fw fw;
+    memset(fw.NationCode, 0, 8);
+    memcpy(fw.NationCode, s.nation, 3);
+    fw.TipoTracciato = s.type;
+    fw.TimeZone = s.zone;
+    fw.DeltaMin = s.delta;
+    fw.InfoBeacons.LineeBeacon[3][0].LatI = s.lat;
+    _STagIndexesVarianteTKK idx;
+    idx.IdxFondiStradali = t->AddDatiFondoStradale({static_cast<_eTipoRoadSurfaceTkk>(1 << s.zone)});
+    EXPECT_TRUE(t->AddTagInfoVariante(s.pista, s.device, fw, idx));
+  }
+  const std::string name = t->SalvaFileInPath(dir.path(), nullptr);
+  return std::unique_ptr<CFileTkk>(static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(dir.path() + name + ".tkk", false, false)));
+}
+
+// Variant questions come from the view's own record, file questions from
+// its owner; changes go to the view's record.
+TEST(CVarianteTkk, EachViewAnswersForItsOwnVariant) {
+  fixtures::TempDir dir;
+  auto t = ThreeVariants(dir);
+  ASSERT_EQ(t->GetVariantiTrack().size(), 3u);
+  for (short i = 0; i < 3; ++i) {
+    const VariantData& s = kVariants[i];
+    IVarianteTkk* v = t->GetVariantiTrack()[static_cast<size_t>(i)];
+    SCOPED_TRACE(s.device);
+    EXPECT_EQ(v->GetTagInfo(), t->GetTagInfoVariante(i));
+    EXPECT_EQ(v->GetIdxVariante(), i);
+    EXPECT_EQ(v->GetNomePista(), s.pista);
+    EXPECT_EQ(v->GetNomeXDevice(), s.device);
+    EXPECT_EQ(v->GetTrackNameCompleto(), std::string("Autodromo") + (*s.pista ? " " : "") + s.pista);
+    EXPECT_EQ(v->GetTrackTypeCircuitKey(), s.type);
+    EXPECT_EQ(v->GetFondoStradaleKey(), 1 << s.zone);
+    int zone = 0, delta = 0;
+    EXPECT_TRUE(v->GetTrackTimeZone(zone, delta));
+    EXPECT_EQ(zone * 100 + delta, s.zone * 100 + s.delta);
+    const _SDatoCoordinateBeacon* lines = nullptr;
+    EXPECT_EQ(v->GetLineeSplitLLH(lines, BEACON_IN_USO), 1u);
+    EXPECT_EQ(lines[0].LatI, s.lat);
+    EXPECT_EQ(v->GetNationCode(), "");  // no additional-text record after a read
+    EXPECT_EQ(v->GetNamexSito(), "Autodromo");
+    EXPECT_EQ(v->GetGuidNomeFile(), t->GetGuidNomeFile());
+    EXPECT_EQ(v->GetNomeFileDaFileSystem(), t->GetGuidNomeFile());
+    EXPECT_TRUE(v->IsGood() && v->IsUserCreatedNewTrack());
+    EXPECT_FALSE(v->IsVekTrack() || v->GetTrackIsReadOnly() || v->IsDevTrack());
+  }
+  IVarianteTkk* second = t->GetVariantiTrack()[1];
+  second->SetNomeXDevice("Changed");
+  second->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
+  second->SetFondoStradaleKey(FONDO_COMBO);
+  EXPECT_STREQ(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice, "Changed");
+  EXPECT_FALSE(second->IsTrackChiuso());
+  EXPECT_EQ(second->OttieniStringaxFondoStradaleKey() + second->OttieniStringaxTrackTypeCircuitKey(), "ComboRally");
+  EXPECT_EQ(t->GetTagInfoVariante(1)->FondiStradali->Fondi.size(), 1u);  // replaced, not added
+  // Dates: a view writes its own record but reads the main variant's.
+  tm when = {}, back = {};
+  when.tm_year = 125;
+  when.tm_mday = 9;
+  second->AggiornaDataModifica(when);
+  second->GetDateTimeTMModifica(back);
+  EXPECT_EQ(back.tm_year, 115);
+  t->GetVariantiTrack()[0]->AggiornaDataModifica(when);
+  second->GetDateTimeTMModifica(back);
+  EXPECT_EQ(back.tm_year, 125);
+  // A failed read leaves no variant and no view.
+  EXPECT_FALSE(t->LeggiFile(dir.path() + "missing.tkk", false));
+  EXPECT_TRUE(t->GetVariantiTrack().empty());
+}
+
+// The nation code and the contacts need an additional-text record; a view
+// over a record not in its owner's list, or over none, answers defaults.
+TEST(CVarianteTkk, MissingRecordsAnswerDefaults) {
+  std::unique_ptr<CFileTkk> t = fixtures::MakeSmallTrack();
+  STagDatiPlus plus;
+  plus.Citta = "Monza";
+  _STagIndexesVarianteTKK idx;
+  idx.IdxDatiPlus = t->AddTagDatiPlus(plus);
+  _STagInfoVarianteTKK_fw fw;
+  memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
+  ASSERT_TRUE(t->AddTagInfoVariante("", "", fw, idx));
+  IVarianteTkk* plain = t->GetVariantiTrack()[0];
+  IVarianteTkk* withPlus = t->GetVariantiTrack()[1];
+  EXPECT_EQ(plain->GetNationCode() + plain->GetSubNationCode() + plain->GetCitta(), "");
+  EXPECT_EQ(withPlus->GetNationCode() + withPlus->GetSubNationCode() + withPlus->GetCitta(), "ITAMBMonza");
+  withPlus->SetTrackURL("https://example.invalid");
+  plain->SetTrackURL("ignored");
+  EXPECT_EQ(withPlus->GetTrackURL() + plain->GetTrackURL() + plain->GetTrackComment(), "https://example.invalid");
+
+  STagsInfoVariante stray(t.get());
+  EXPECT_EQ(CVarianteTkk(&stray).GetIdxVariante(), -1);
+  CVarianteTkk none(nullptr);
+  int zone = 7, delta = 7;
+  const _SDatoCoordinateBeacon* lines = &stray.InfoFw.InfoBeacons.LineeBeacon[0][0];
+  EXPECT_EQ(none.GetIdxVariante(), -1);
+  EXPECT_TRUE(none.IsTrackChiuso());
+  EXPECT_FALSE(none.GetTrackTimeZone(zone, delta));
+  EXPECT_EQ(zone, 7);
+  EXPECT_EQ(none.GetTrackLenght(), 0.0f);
+  EXPECT_EQ(none.GetNomePista() + none.GetTrackNomignolo() + none.GetNamexSito(), "");
+  EXPECT_FALSE(none.IsVekTrack() || none.IsGood() || none.IsDevTrack() || none.IsUserCreatedNewTrack());
+  EXPECT_EQ(none.GetLineeSplitLLH(lines, BEACON_IN_USO), 0u);
+  EXPECT_EQ(lines, nullptr);
+  EXPECT_EQ(none.GetTrackLogo(), nullptr);
+}
+
+TEST(Vocabolari, KeysAndTheirTexts) {
+  const std::pair<unsigned, const char*> lengths[] = {
+      {804672, "1/20 mi"}, {1609344, "1/10 mi"}, {1788160, "1/9 mi"}, {2011680, "1/8 mi"}, {2299063, "1/7 mi"},
+      {2682240, "1/6 mi"}, {3218689, "1/5 mi"}, {4023361, "1/4 mi"}, {4828033, "3/10 mi"}, {5029201, "5/16 mi"},
+      {5364481, "1/3 mi"}, {6035041, "3/8 mi"}, {6437378, "4/10 mi"}, {8046722, "1/2 mi"}, {9656067, "6/10 mi"},
+      {10058403, "5/8 mi"}, {11040103, "0.686 mi"}, {11265411, "7/10 mi"}, {12070083, "3/4 mi"},
+      {12874756, "8/10 mi"}, {16093445, "1 mi"}, {32186890, "2 mi"}, {0, "custom"}, {1609345, "custom"}, {23, "custom"}};
+  for (const auto& c : lengths)
+    EXPECT_EQ(IVarianteTkk::OttieniStringaxLunghezzaKeyy(static_cast<_eTipoLunghezzaPista>(c.first)), c.second);
+  // Non-strict lookups give the first text for an unknown key, strict ones "".
+  const struct { int key; const char *surface, *type; bool knownSurface, knownType; } keys[] = {
+      {0, "Paved", "Race Track", 0, 0}, {1, "Paved", "Race Track", 1, 1}, {2, "Dirt", "Kart Track", 1, 1},
+      {3, "Paved", "Oval", 0, 1}, {4, "Ice", "Race Track", 1, 0}, {5, "Paved", "Drag Strip", 0, 1},
+      {6, "Paved", "Rally", 0, 1}, {7, "Paved", "Hill Climb", 0, 1}, {8, "Water", "Motocross", 1, 1},
+      {9, "Paved", "Open Circuit", 0, 1}, {10, "Paved", "ROval", 0, 1}, {11, "Paved", "Race Track", 0, 0},
+      {16, "Combo", "Race Track", 1, 0}, {-1, "Paved", "Race Track", 0, 0}};
+  for (const auto& c : keys) {
+    SCOPED_TRACE(c.key);
+    const auto surface = static_cast<_eTipoRoadSurfaceTkk>(c.key);
+    const auto type = static_cast<_eTipoTracciatoTkk>(c.key);
+    EXPECT_EQ(IVarianteTkk::OttieniStringaxFondoStradaleKeyy(surface, false), c.surface);
+    EXPECT_EQ(IVarianteTkk::OttieniStringaxFondoStradaleKeyy(surface, true), c.knownSurface ? c.surface : "");
+    EXPECT_EQ(IVarianteTkk::OttieniStringaxTrackTypeCircuitKeyy(type, false), c.type);
+    EXPECT_EQ(IVarianteTkk::OttieniStringaxTrackTypeCircuitKeyy(type, true), c.knownType ? c.type : "");
+  }
+  // The lists are appended to, never cleared.
+  std::vector<std::string> types = {"mine"}, surfaces;
+  IVarianteTkk::GetElencoStringheTrackType(types);
+  IVarianteTkk::GetElencoStringheTrackType(types);
+  EXPECT_EQ(types.size(), 19u);
+  EXPECT_EQ(std::vector<std::string>(types.begin() + 1, types.begin() + 10),
+            (std::vector<std::string>{"Race Track", "Kart Track", "Oval", "Drag Strip", "Rally", "Hill Climb",
+                                      "Motocross", "Open Circuit", "ROval"}));
+  IVarianteTkk::GetElencoStringheFondoStradale(surfaces);
+  EXPECT_EQ(surfaces, (std::vector<std::string>{"Paved", "Dirt", "Ice", "Water", "Combo"}));
+}
+
+// The two rules are kept separately: 0, 4, 8 and above 10 are both closed and open.
+TEST(Vocabolari, ClosedAndOpenForEveryType) {
+  const char closed[] = "1111100010111", open[] = "1000111111011";
+  std::unique_ptr<IFileTkk> track(IFileTkk::CreateMe(false, false));
+  for (int t = 0; t <= 12; ++t) {
+    EXPECT_EQ(IVarianteTkk::IsTrackChiusoo(static_cast<_eTipoTracciatoTkk>(t)), closed[t] == '1') << t;
+    EXPECT_EQ(track->IsOpenTrack(static_cast<_eTipoTracciatoTkk>(t)), open[t] == '1') << t;
+  }
+}
+
+constexpr int kUntouched = 77;  // what the outputs held before the call
+constexpr int kNone = 50;       // the zone is not determined
+
+// Each row: a nation and its sub-nations (comma-separated; a trailing comma
+// adds the empty code), the expected hours and minutes, and the text that
+// each report starts with (the code follows) and how many reports there are.
+TEST(TimeZones, EveryNationAndState) {
+  const struct { const char *nations, *states; int hours, minutes; const char* report; int reports; } rows[] = {
+      {"GB,IE,PT", "XX", 0, 0, "", 0},
+      {"FR,MC,LU,CH,NL,ES,AT,BE,CZ,DE,IT,HR,NO,PL,SE,HU,SK", "XX", 1, 0, "", 0},
+      {"FI,TR,ZA", "XX", 2, 0, "", 0}, {"AE", "XX", 4, 0, "", 0}, {"TH", "XX", 7, 0, "", 0},
+      {"CN,SG,TW,MY", "XX", 8, 0, "", 0}, {"JP,KR", "XX", 9, 0, "", 0}, {"PR", "XX", -4, 0, "", 0},
+      {"CO", "XX", -5, 0, "", 0},
+      // Known to the table and refused all the same, like any unknown code.
+      {"RU,DK,BR,MX,NZ,it,USA,", "", kNone, kUntouched, "Timezone not managed for nation ", 1},
+      {"US", "AL,CT,DE,FL,GA,ME,MD,MA,NH,NJ,NY,NC,OH,PA,RI,SC,VT,VA,WV", -5, 0, "", 0},
+      {"US", "AR,IL,IA,LA,MN,MS,MO,ND,OK,TX,WI", -6, 0, "", 0}, {"US", "AZ,CO,MT,NM,UT,WY", -7, 0, "", 0},
+      {"US", "CA,OR,WA", -8, 0, "", 0}, {"US", "AK", -9, 0, "", 0}, {"US", "HI", -10, 0, "", 0},
+      // Only the minutes are written for these nine: the hours stay undetermined.
+      {"US", "ID,IN,KS,KY,MI,NE,NV,SD,TN", kNone, 0, "", 0},
+      {"US", "DC,al", kNone, 0, "Timezone not managed in US for subNation ", 1},
+      {"AU", "WA", 8, 0, "", 0}, {"AU", "SA,NT", 9, 30, "", 0}, {"AU", "QLD,NSW,ACT,VIC,TAS", 10, 0, "", 0},
+      {"AU", "WAU", kNone, kUntouched, "Timezone not managed in Australia for subNation ", 1},
+      // Alberta gets its zone and a report; three provinces are reported twice.
+      {"CA", "AB", -7, 0, "Timezone not managed in Canada for sub nation ", 1},
+      {"CA", "BC,ON,QC", kNone, kUntouched, "Timezone not managed in Canada for sub nation ", 2},
+      {"CA", "NS", kNone, kUntouched, "Timezone not managed in Canada for sub nation ", 1},
+  };
+  auto split = [](const std::string& list) {
+    std::vector<std::string> codes;
+    std::istringstream in(list + ",");
+    for (std::string code; std::getline(in, code, ',');) codes.push_back(code);
+    return codes;
+  };
+  int usStates = 0;
+  for (const auto& r : rows)
+    for (const std::string& nation : split(r.nations))
+      for (const std::string& state : split(r.states)) {
+        SCOPED_TRACE(nation + "/" + state);
+        evtrec::Reset(true);
+        int hours = kUntouched, minutes = kUntouched;
+        IVarianteTkk::GetTimeZoneFromNation(nation, state, hours, minutes);
+        EXPECT_EQ(hours, r.hours);
+        EXPECT_EQ(minutes, r.minutes);
+        ASSERT_EQ(evtrec::Events().size(), static_cast<size_t>(r.reports));
+        for (const evtrec::Event& e : evtrec::Events())
+          EXPECT_EQ(e.severity + " " + e.Message(), "ERROR " + (r.report + (*r.states ? state : nation)));
+        usStates += nation == "US" && r.reports == 0;
+      }
+  EXPECT_EQ(usStates, 50);
+  // Called directly, an unknown or unwritten state leaves the hours as they were.
+  for (const char* state : {"ID", "DC"}) {
+    int hours = kUntouched, minutes = kUntouched;
+    IVarianteTkk::GetUSTimeZoneFromState(state, hours, minutes);
+    EXPECT_EQ(hours * 100 + minutes, kUntouched * 100) << state;
+  }
+  evtrec::Reset(false);
+}
+
+}  // namespace
