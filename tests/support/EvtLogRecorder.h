@@ -1,5 +1,4 @@
-#ifndef VEKTKK_TESTS_SUPPORT_EVTLOGRECORDER_H
-#define VEKTKK_TESTS_SUPPORT_EVTLOGRECORDER_H
+#pragma once
 
 #include <string>
 #include <utility>
@@ -25,4 +24,3 @@ const std::vector<Event>& Events();
 
 }  // namespace evtrec
 
-#endif  // VEKTKK_TESTS_SUPPORT_EVTLOGRECORDER_H

@@ -16,21 +16,13 @@ int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
 namespace fakeclock {
 namespace {
 bool g_frozen = false;
-time_t g_now = 0;           // when frozen
-long long g_sleptMicros = 0;  // slept since then
+time_t g_now = 0;                                       // when frozen
+long long g_sleptMicros = 0, g_usleepMicros = 0;        // slept since then, and in all
 std::deque<int> g_rand;
-int g_usleepCalls = 0;
-long long g_usleepMicros = 0;
-// Calls on the host's event-log mutex; other mutexes pass straight through.
-int g_locks = 0;
-int g_unlocks = 0;
+int g_usleepCalls = 0, g_locks = 0, g_unlocks = 0;      // on the host's event-log mutex
 }  // namespace
 
-void Freeze(time_t t) {
-  g_frozen = true;
-  g_now = t;
-  g_sleptMicros = 0;
-}
+void Freeze(time_t t) { g_frozen = true, g_now = t, g_sleptMicros = 0; }
 void Unfreeze() { g_frozen = false; }
 void QueueRand(std::initializer_list<int> values) { g_rand.insert(g_rand.end(), values); }
 int UsleepCalls() { return g_usleepCalls; }
@@ -42,8 +34,7 @@ int EvtMutexDepth() { return g_locks - g_unlocks; }
 void Reset() {
   g_frozen = false;
   g_rand.clear();
-  g_usleepCalls = g_locks = g_unlocks = 0;
-  g_usleepMicros = 0;
+  g_usleepCalls = g_locks = g_unlocks = 0, g_usleepMicros = 0;
 }
 
 tm MakeTm(int year, int month, int day, int hour, int minute, int second) {
@@ -86,9 +77,7 @@ int __wrap_rand(void) {
 }
 
 int __wrap_usleep(useconds_t micros) {
-  ++g_usleepCalls;
-  g_usleepMicros += micros;
-  g_sleptMicros += micros;
+  ++g_usleepCalls, g_usleepMicros += micros, g_sleptMicros += micros;
   return 0;
 }
 

@@ -1,10 +1,10 @@
 #include "support/TrackFixtures.h"
 
-#include <dirent.h>
 #include <stdlib.h>
 #include <string.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -18,19 +18,14 @@ TempDir::TempDir() {
   if (mkdtemp(&pattern[0]) == nullptr) abort();
   path_ = pattern + "/";
 }
-
 TempDir::~TempDir() {
-  if (system(("rm -rf '" + path_ + "'").c_str()) != 0) {
-  }
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
 }
-
 std::vector<std::string> TempDir::Entries() const {
   std::vector<std::string> names;
-  DIR* dir = opendir(path_.c_str());
-  if (dir == nullptr) return names;
-  while (const dirent* e = readdir(dir))
-    if (strcmp(e->d_name, ".") != 0 && strcmp(e->d_name, "..") != 0) names.push_back(e->d_name);
-  closedir(dir);
+  std::error_code ignored;  // a directory already gone has no entries
+  for (const auto& e : std::filesystem::directory_iterator(path_, ignored)) names.push_back(e.path().filename());
   std::sort(names.begin(), names.end());
   return names;
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <tuple>
 
 #include "CFileTkk.h"
 #include "CVarianteTkk.h"
@@ -12,85 +13,66 @@
 
 namespace {
 
+using std::make_tuple;
 const struct VariantData {
   const char *pista, *device, *nation;
   _eTipoTracciatoTkk type;
-  int zone, delta;
-  int32_t lat;
-} kVariants[] = {
-    {"GP", "Monza GP", "ITA", TRACCIATO_RACE_TRACK, 1, 15, 100},
-    {"Junior", "Monza Jr", "ITB", TRACCIATO_KART_TRACK, 2, 30, 200},
-    {"", "Monza Oval", "ITC", TRACCIATO_OVAL, 3, 45, 300},
-};
+  int zone, delta, lat;
+} kVariants[] = {{"GP", "Monza GP", "ITA", TRACCIATO_RACE_TRACK, 1, 15, 100},
+                 {"Junior", "Monza Jr", "ITB", TRACCIATO_KART_TRACK, 2, 30, 200},
+                 {"", "Monza Oval", "ITC", TRACCIATO_OVAL, 3, 45, 300}};
 
-// A three-variant track saved and read back.
-std::unique_ptr<CFileTkk> ThreeVariants(const fixtures::TempDir& dir) {
+// Views over a three-variant track read back: variant questions come from
+// the view's own record, file questions from its owner; changes go to the
+// view's record.
+TEST(CVarianteTkk, EachViewAnswersForItsOwnVariant) {
+  fixtures::TempDir dir;
   std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
   t->SetNamexSito("Autodromo");
   for (const VariantData& s : kVariants) {
     _STagInfoVarianteTKK_fw fw;
     memset(fw.NationCode, 0, 8);
     memcpy(fw.NationCode, s.nation, 3);
-    fw.TipoTracciato = s.type;
-    fw.TimeZone = s.zone;
-    fw.DeltaMin = s.delta;
-    fw.InfoBeacons.LineeBeacon[3][0].LatI = s.lat;
+    fw.TipoTracciato = s.type, fw.TimeZone = s.zone, fw.DeltaMin = s.delta, fw.InfoBeacons.LineeBeacon[3][0].LatI = s.lat;
     _STagIndexesVarianteTKK idx;
     idx.IdxFondiStradali = t->AddDatiFondoStradale({static_cast<_eTipoRoadSurfaceTkk>(1 << s.zone)});
-    EXPECT_TRUE(t->AddTagInfoVariante(s.pista, s.device, fw, idx));
+    ASSERT_TRUE(t->AddTagInfoVariante(s.pista, s.device, fw, idx));
   }
   const std::string name = t->SalvaFileInPath(dir.path(), nullptr);
-  return std::unique_ptr<CFileTkk>(static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(dir.path() + name + ".tkk", false, false)));
-}
-
-// Variant questions come from the view's own record, file questions from
-// its owner; changes go to the view's record.
-TEST(CVarianteTkk, EachViewAnswersForItsOwnVariant) {
-  fixtures::TempDir dir;
-  auto t = ThreeVariants(dir);
+  t.reset(static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(dir.path() + name + ".tkk", false, false)));  // named from its path
   ASSERT_EQ(t->GetVariantiTrack().size(), 3u);
   for (short i = 0; i < 3; ++i) {
     const VariantData& s = kVariants[i];
     IVarianteTkk* v = t->GetVariantiTrack()[static_cast<size_t>(i)];
-    SCOPED_TRACE(s.device);
-    EXPECT_EQ(v->GetTagInfo(), t->GetTagInfoVariante(i));
-    EXPECT_EQ(v->GetIdxVariante(), i);
-    EXPECT_EQ(v->GetNomePista(), s.pista);
-    EXPECT_EQ(v->GetNomeXDevice(), s.device);
-    EXPECT_EQ(v->GetTrackNameCompleto(), std::string("Autodromo") + (*s.pista ? " " : "") + s.pista);
-    EXPECT_EQ(v->GetTrackTypeCircuitKey(), s.type);
-    EXPECT_EQ(v->GetFondoStradaleKey(), 1 << s.zone);
     int zone = 0, delta = 0;
-    EXPECT_TRUE(v->GetTrackTimeZone(zone, delta));
-    EXPECT_EQ(zone * 100 + delta, s.zone * 100 + s.delta);
     const _SDatoCoordinateBeacon* lines = nullptr;
-    EXPECT_EQ(v->GetLineeSplitLLH(lines, BEACON_IN_USO), 1u);
-    EXPECT_EQ(lines[0].LatI, s.lat);
-    EXPECT_EQ(v->GetNationCode(), "");  // no additional-text record after a read
-    EXPECT_EQ(v->GetNamexSito(), "Autodromo");
-    EXPECT_EQ(v->GetGuidNomeFile(), t->GetGuidNomeFile());
-    EXPECT_EQ(v->GetNomeFileDaFileSystem(), t->GetGuidNomeFile());
-    EXPECT_TRUE(v->IsGood() && v->IsUserCreatedNewTrack());
-    EXPECT_FALSE(v->IsVekTrack() || v->GetTrackIsReadOnly() || v->IsDevTrack());
+    ASSERT_TRUE(v->GetTrackTimeZone(zone, delta));
+    ASSERT_EQ(v->GetLineeSplitLLH(lines, BEACON_IN_USO), 1u);
+    EXPECT_EQ(make_tuple(v->GetTagInfo(), v->GetIdxVariante(), v->GetNomePista(), v->GetNomeXDevice(), v->GetTrackNameCompleto(),
+                         v->GetTrackTypeCircuitKey(), static_cast<int>(v->GetFondoStradaleKey()), zone, delta, lines[0].LatI),
+              make_tuple(t->GetTagInfoVariante(i), i, std::string(s.pista), std::string(s.device),
+                         std::string("Autodromo") + (*s.pista ? " " : "") + s.pista, s.type, 1 << s.zone, s.zone, s.delta, s.lat));
+    // No additional-text record after a read: no nation code through a view.
+    EXPECT_EQ(make_tuple(v->GetNationCode(), v->GetNamexSito(), v->GetGuidNomeFile(), v->GetNomeFileDaFileSystem(), v->IsGood(),
+                         v->IsUserCreatedNewTrack(), v->IsVekTrack(), v->GetTrackIsReadOnly(), v->IsDevTrack()),
+              make_tuple(std::string(), std::string("Autodromo"), name, name, true, true, false, false, false));
   }
   IVarianteTkk* second = t->GetVariantiTrack()[1];
   second->SetNomeXDevice("Changed");
   second->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
   second->SetFondoStradaleKey(FONDO_COMBO);
-  EXPECT_STREQ(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice, "Changed");
-  EXPECT_FALSE(second->IsTrackChiuso());
-  EXPECT_EQ(second->OttieniStringaxFondoStradaleKey() + second->OttieniStringaxTrackTypeCircuitKey(), "ComboRally");
-  EXPECT_EQ(t->GetTagInfoVariante(1)->FondiStradali->Fondi.size(), 1u);  // replaced, not added
+  EXPECT_EQ(make_tuple(std::string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice), second->IsTrackChiuso(),
+                       second->OttieniStringaxFondoStradaleKey(), second->OttieniStringaxTrackTypeCircuitKey(),
+                       t->GetTagInfoVariante(1)->FondiStradali->Fondi.size()),
+            make_tuple(std::string("Changed"), false, std::string("Combo"), std::string("Rally"), size_t{1}));
   // Dates: a view writes its own record but reads the main variant's.
-  tm when = {}, back = {};
-  when.tm_year = 125;
-  when.tm_mday = 9;
+  tm when = {}, back = {}, main = {};
+  when.tm_year = 125, when.tm_mday = 9;
   second->AggiornaDataModifica(when);
   second->GetDateTimeTMModifica(back);
-  EXPECT_EQ(back.tm_year, 115);
   t->GetVariantiTrack()[0]->AggiornaDataModifica(when);
-  second->GetDateTimeTMModifica(back);
-  EXPECT_EQ(back.tm_year, 125);
+  second->GetDateTimeTMModifica(main);
+  EXPECT_EQ(back.tm_year * 1000 + main.tm_year, 115125);
   // A failed read leaves no variant and no view.
   EXPECT_FALSE(t->LeggiFile(dir.path() + "missing.tkk", false));
   EXPECT_TRUE(t->GetVariantiTrack().empty());
@@ -107,29 +89,23 @@ TEST(CVarianteTkk, MissingRecordsAnswerDefaults) {
   _STagInfoVarianteTKK_fw fw;
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
   ASSERT_TRUE(t->AddTagInfoVariante("", "", fw, idx));
-  IVarianteTkk* plain = t->GetVariantiTrack()[0];
-  IVarianteTkk* withPlus = t->GetVariantiTrack()[1];
-  EXPECT_EQ(plain->GetNationCode() + plain->GetSubNationCode() + plain->GetCitta(), "");
-  EXPECT_EQ(withPlus->GetNationCode() + withPlus->GetSubNationCode() + withPlus->GetCitta(), "ITAMBMonza");
+  IVarianteTkk *plain = t->GetVariantiTrack()[0], *withPlus = t->GetVariantiTrack()[1];
   withPlus->SetTrackURL("https://example.invalid");
   plain->SetTrackURL("ignored");
-  EXPECT_EQ(withPlus->GetTrackURL() + plain->GetTrackURL() + plain->GetTrackComment(), "https://example.invalid");
-
+  EXPECT_EQ(plain->GetNationCode() + plain->GetSubNationCode() + plain->GetCitta() + plain->GetTrackURL() + plain->GetTrackComment(), "");
+  EXPECT_EQ(withPlus->GetNationCode() + withPlus->GetSubNationCode() + withPlus->GetCitta() + withPlus->GetTrackURL(),
+            "ITAMBMonzahttps://example.invalid");
   STagsInfoVariante stray(t.get());
-  EXPECT_EQ(CVarianteTkk(&stray).GetIdxVariante(), -1);
   CVarianteTkk none(nullptr);
   int zone = 7, delta = 7;
   const _SDatoCoordinateBeacon* lines = &stray.InfoFw.InfoBeacons.LineeBeacon[0][0];
-  EXPECT_EQ(none.GetIdxVariante(), -1);
-  EXPECT_TRUE(none.IsTrackChiuso());
   EXPECT_FALSE(none.GetTrackTimeZone(zone, delta));
-  EXPECT_EQ(zone, 7);
-  EXPECT_EQ(none.GetTrackLenght(), 0.0f);
-  EXPECT_EQ(none.GetNomePista() + none.GetTrackNomignolo() + none.GetNamexSito(), "");
-  EXPECT_FALSE(none.IsVekTrack() || none.IsGood() || none.IsDevTrack() || none.IsUserCreatedNewTrack());
   EXPECT_EQ(none.GetLineeSplitLLH(lines, BEACON_IN_USO), 0u);
-  EXPECT_EQ(lines, nullptr);
-  EXPECT_EQ(none.GetTrackLogo(), nullptr);
+  EXPECT_EQ(make_tuple(CVarianteTkk(&stray).GetIdxVariante(), none.GetIdxVariante(), none.IsTrackChiuso(), zone,
+                       none.GetTrackLenght(), none.GetNomePista() + none.GetTrackNomignolo() + none.GetNamexSito(),
+                       none.IsVekTrack() || none.IsGood() || none.IsDevTrack() || none.IsUserCreatedNewTrack(), lines, none.GetTrackLogo()),
+            make_tuple(short{-1}, short{-1}, true, 7, 0.0f, std::string(), false,
+                       static_cast<const _SDatoCoordinateBeacon*>(nullptr), static_cast<const std::string*>(nullptr)));
 }
 
 TEST(Vocabolari, KeysAndTheirTexts) {
