@@ -31,11 +31,7 @@ struct Guasti {
   std::set<std::string> nonScaricati;
 } g;
 
-bool Cade() {
-  if (++g.contate != g.alla) return false;
-  errno = EIO;
-  return true;
-}
+bool Cade() { return ++g.contate == g.alla && (errno = EIO); }
 void Nomina(const char* from, const char*) { g.rinominatiNonScaricati += g.nonScaricati.count(from) > 0; }
 
 // A call that may fail, after `prima` has looked at its arguments.
@@ -75,9 +71,7 @@ Snapshot Take(const TempDir& dir) {
   for (const std::string& e : dir.Entries()) s[e] = fixtures::ReadAll(dir.path() + e);
   return s;
 }
-void Empty(const TempDir& dir) {
-  for (const std::string& e : dir.Entries()) unlink((dir.path() + e).c_str());
-}
+void Empty(const TempDir& dir) { for (const std::string& e : dir.Entries()) unlink((dir.path() + e).c_str()); }
 
 const std::string kNome = "0k3f9zq1";
 
@@ -102,10 +96,7 @@ class FileFaults : public ::testing::Test {
     }
     for (int i = 0; i < 4000; ++i) riassunti_[2]->AddVarianteTkk(tracce_[0].get(), 0);
   }
-  void TearDown() override {
-    sys::ImpostaSistema(nullptr);
-    evtrec::Reset(false);
-  }
+  void TearDown() override { sys::ImpostaSistema(nullptr), evtrec::Reset(false); }
 
   std::vector<Salvataggio> Salvataggi() {
     auto traccia = [this](int v) { return v == 2 ? grande_.get() : tracce_[static_cast<size_t>(v)].get(); };
@@ -142,9 +133,7 @@ TEST_F(FileFaults, SavesKeepTheOldFilesWhicheverCallFails) {
     for (;; ++k) {
       Empty(dir_);
       for (const auto& [nome, bytes] : prima) fixtures::WriteAll(dir_.path() + nome, bytes);
-      g = Guasti();
-      g.alla = k;
-      sys::ImpostaSistema(&kGuaste);
+      g = Guasti(), g.alla = k, sys::ImpostaSistema(&kGuaste);
       // The summary's operations answer true whether or not their files were written: the files tell.
       const bool riuscito = s.salva(1, dir_.path()) && (s.tuttoONiente || Take(dir_) == dopo);
       sys::ImpostaSistema(nullptr);
@@ -173,9 +162,7 @@ TEST_F(FileFaults, ReadsFailAsSpecified) {
   int fallite = 0;
   for (int k = 1;; ++k) {
     evtrec::Reset(true);
-    g = Guasti();
-    g.alla = k;
-    sys::ImpostaSistema(&kGuaste);
+    g = Guasti(), g.alla = k, sys::ImpostaSistema(&kGuaste);
     std::unique_ptr<IFileTkk> letto(IFileTkk::CreateMeUponFile(track, true, true));
     std::unique_ptr<IFileRiassuntivo> riassunto(IFileRiassuntivo::CreateMeUponFile(dir_.path() + "s.bin"));
     sys::ImpostaSistema(nullptr);
