@@ -18,18 +18,11 @@ pthread_mutex_t vek_evtcontext_mutex = PTHREAD_MUTEX_INITIALIZER;
 
 namespace evtrec {
 namespace {
-
-struct Tag {
-  std::string name;
-  std::string value;
-};
-
 std::vector<Event> g_events;
-std::vector<std::string> g_calls;
 int g_contextToken = 0;
-
+using Tag = std::pair<std::string, std::string>;
+// Records are handed out as 1-based positions in the event list.
 Event& EventOf(EVTREC* record) { return g_events.at(reinterpret_cast<size_t>(record) - 1); }
-
 }  // namespace
 
 std::string Event::Message() const {
@@ -40,52 +33,38 @@ std::string Event::Message() const {
 
 void Reset(bool contextOpen) {
   g_events.clear();
-  g_calls.clear();
   vek_evtcontext = contextOpen ? reinterpret_cast<EVTCONTEXT*>(&g_contextToken) : nullptr;
 }
 
 const std::vector<Event>& Events() { return g_events; }
-const std::vector<std::string>& Calls() { return g_calls; }
 
 }  // namespace evtrec
 
-using evtrec::g_calls;
-using evtrec::g_events;
+using namespace evtrec;
 
 extern "C" {
 
-// Records are handed out as 1-based positions in the event list.
-EVTREC* evt_rec_init(EVTCONTEXT* ctx, int syslog_pri, const char* desc) {
-  g_calls.push_back("evt_rec_init");
-  if (ctx != reinterpret_cast<EVTCONTEXT*>(&evtrec::g_contextToken)) g_calls.back() += "(bad context)";
-  evtrec::Event event;
-  event.priority = syslog_pri;
-  event.severity = desc;
-  event.mutexHeldAtInit = fakeclock::EvtMutexDepth() == 1;
-  g_events.push_back(event);
+EVTREC* evt_rec_init(EVTCONTEXT*, int syslog_pri, const char* desc) {
+  g_events.push_back(Event{syslog_pri, desc, {}, fakeclock::EvtMutexDepth() == 1, false});
   return reinterpret_cast<EVTREC*>(g_events.size());
 }
 
 EVTTAG* evt_tag_str(const char* tag, const char* value) {
-  g_calls.push_back("evt_tag_str");
-  return reinterpret_cast<EVTTAG*>(new evtrec::Tag{tag, value});
+  return reinterpret_cast<EVTTAG*>(new Tag(tag, value));
 }
 
 void evt_rec_add_tags(EVTREC* e, EVTTAG* first, ...) {
-  g_calls.push_back("evt_rec_add_tags");
   va_list args;
   va_start(args, first);
   for (EVTTAG* t = first; t != nullptr; t = va_arg(args, EVTTAG*)) {
-    auto* tag = reinterpret_cast<evtrec::Tag*>(t);
-    evtrec::EventOf(e).tags.emplace_back(tag->name, tag->value);
-    delete tag;
+    EventOf(e).tags.push_back(*reinterpret_cast<Tag*>(t));
+    delete reinterpret_cast<Tag*>(t);
   }
   va_end(args);
 }
 
 int evt_log(EVTREC* e) {
-  g_calls.push_back("evt_log");
-  evtrec::EventOf(e).logged = true;
+  EventOf(e).logged = true;
   return 1;
 }
 

@@ -1,5 +1,4 @@
-#ifndef VEKTKK_TESTS_SUPPORT_EVTLOGRECORDER_H
-#define VEKTKK_TESTS_SUPPORT_EVTLOGRECORDER_H
+#pragma once
 
 #include <string>
 #include <utility>
@@ -16,19 +15,12 @@ struct Event {
   std::vector<std::pair<std::string, std::string>> tags;
   bool mutexHeldAtInit = false;
   bool logged = false;
-
-  // The text of the "msg" tag, or "" when there is none.
-  std::string Message() const;
+  std::string Message() const;  // the "msg" tag's text, or ""
 };
 
-// Forgets everything recorded; opens (non-null) or closes (null) the host's
-// context.
+// Forgets everything recorded; opens (non-null) or closes (null) the host's context.
 void Reset(bool contextOpen = true);
-
 const std::vector<Event>& Events();
-// Names of the eventlog functions in the order they were called.
-const std::vector<std::string>& Calls();
 
 }  // namespace evtrec
 
-#endif  // VEKTKK_TESTS_SUPPORT_EVTLOGRECORDER_H

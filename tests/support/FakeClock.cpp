@@ -1,7 +1,5 @@
 #include "support/FakeClock.h"
 
-#include <stdlib.h>
-#include <string.h>
 #include <unistd.h>
 
 #include <deque>
@@ -17,27 +15,14 @@ int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
 
 namespace fakeclock {
 namespace {
-
 bool g_frozen = false;
-time_t g_now = 0;
-long long g_subSecondMicros = 0;
+time_t g_now = 0;                                       // when frozen
+long long g_sleptMicros = 0, g_usleepMicros = 0;        // slept since then, and in all
 std::deque<int> g_rand;
-int g_usleepCalls = 0;
-long long g_usleepMicros = 0;
-
-// Calls on the host's event-log mutex; other mutexes pass straight through.
-int g_locks = 0;
-int g_unlocks = 0;
-
-bool Watched(const pthread_mutex_t* mutex) { return mutex == &vek_evtcontext_mutex; }
-
+int g_usleepCalls = 0, g_locks = 0, g_unlocks = 0;      // on the host's event-log mutex
 }  // namespace
 
-void Freeze(time_t t) {
-  g_frozen = true;
-  g_now = t;
-  g_subSecondMicros = 0;
-}
+void Freeze(time_t t) { g_frozen = true, g_now = t, g_sleptMicros = 0; }
 void Unfreeze() { g_frozen = false; }
 void QueueRand(std::initializer_list<int> values) { g_rand.insert(g_rand.end(), values); }
 int UsleepCalls() { return g_usleepCalls; }
@@ -49,21 +34,13 @@ int EvtMutexDepth() { return g_locks - g_unlocks; }
 void Reset() {
   g_frozen = false;
   g_rand.clear();
-  g_usleepCalls = 0;
-  g_usleepMicros = 0;
-  g_locks = 0;
-  g_unlocks = 0;
+  g_usleepCalls = g_locks = g_unlocks = 0, g_usleepMicros = 0;
 }
 
 tm MakeTm(int year, int month, int day, int hour, int minute, int second) {
-  tm t;
-  memset(&t, 0, sizeof t);
-  t.tm_year = year - 1900;
-  t.tm_mon = month - 1;
-  t.tm_mday = day;
-  t.tm_hour = hour;
-  t.tm_min = minute;
-  t.tm_sec = second;
+  tm t{};
+  t.tm_year = year - 1900; t.tm_mon = month - 1; t.tm_mday = day;
+  t.tm_hour = hour; t.tm_min = minute; t.tm_sec = second;
   return t;
 }
 
@@ -80,19 +57,16 @@ extern "C" {
 
 time_t __wrap_time(time_t* out) {
   if (!g_frozen) return __real_time(out);
-  if (out != nullptr) *out = g_now;
-  return g_now;
+  const time_t now = g_now + static_cast<time_t>(g_sleptMicros / 1000000);
+  if (out != nullptr) *out = now;
+  return now;
 }
 
 // On 32-bit processors a 64-bit time_t makes the C library's headers call
 // __time64 under the name time.
 #if defined(__USE_TIME_BITS64) && __TIMESIZE == 32
 time_t __real___time64(time_t* out);
-time_t __wrap___time64(time_t* out) {
-  if (!g_frozen) return __real___time64(out);
-  if (out != nullptr) *out = g_now;
-  return g_now;
-}
+time_t __wrap___time64(time_t* out) { return g_frozen ? __wrap_time(out) : __real___time64(out); }
 #endif
 
 int __wrap_rand(void) {
@@ -103,24 +77,18 @@ int __wrap_rand(void) {
 }
 
 int __wrap_usleep(useconds_t micros) {
-  ++g_usleepCalls;
-  g_usleepMicros += micros;
-  if (g_frozen) {
-    g_subSecondMicros += micros;
-    g_now += static_cast<time_t>(g_subSecondMicros / 1000000);
-    g_subSecondMicros %= 1000000;
-  }
+  ++g_usleepCalls, g_usleepMicros += micros, g_sleptMicros += micros;
   return 0;
 }
 
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   const int rc = __real_pthread_mutex_lock(mutex);
-  if (Watched(mutex)) ++g_locks;
+  g_locks += mutex == &vek_evtcontext_mutex;
   return rc;
 }
 
 int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
-  if (Watched(mutex)) ++g_unlocks;
+  g_unlocks += mutex == &vek_evtcontext_mutex;
   return __real_pthread_mutex_unlock(mutex);
 }
 

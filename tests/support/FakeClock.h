@@ -1,5 +1,4 @@
-#ifndef VEKTKK_TESTS_SUPPORT_FAKECLOCK_H
-#define VEKTKK_TESTS_SUPPORT_FAKECLOCK_H
+#pragma once
 
 #include <pthread.h>
 #include <time.h>
@@ -34,4 +33,3 @@ time_t Utc(int year, int month, int day, int hour, int minute, int second);
 
 }  // namespace fakeclock
 
-#endif  // VEKTKK_TESTS_SUPPORT_FAKECLOCK_H

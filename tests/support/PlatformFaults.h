@@ -1,5 +1,4 @@
-#ifndef VEKTKK_TESTS_SUPPORT_PLATFORMFAULTS_H
-#define VEKTKK_TESTS_SUPPORT_PLATFORMFAULTS_H
+#pragma once
 
 // The unit-test executables are linked with --wrap for the factories of the
 // atom-tag container and for some file-system calls, so a test can make them
@@ -26,4 +25,3 @@ unsigned long AccessCount();
 
 }  // namespace faults
 
-#endif  // VEKTKK_TESTS_SUPPORT_PLATFORMFAULTS_H

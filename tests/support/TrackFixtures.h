@@ -1,5 +1,4 @@
-#ifndef VEKTKK_TESTS_SUPPORT_TRACKFIXTURES_H
-#define VEKTKK_TESTS_SUPPORT_TRACKFIXTURES_H
+#pragma once
 
 #include <stdint.h>
 
@@ -46,4 +45,3 @@ std::unique_ptr<CFileTkk> MakeSmallTrack();
 
 }  // namespace fixtures
 
-#endif  // VEKTKK_TESTS_SUPPORT_TRACKFIXTURES_H

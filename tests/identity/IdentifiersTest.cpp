@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+#include <string.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "GuidNomeFile.h"
+#include "GuidTkk.h"
+#include "foundation/LittleEndian.h"
+#include "support/FakeClock.h"
+#include "tkkFlat.h"
+
+namespace {
+
+using vektkk::DecodeFixed64;
+
+// The packed time of 2024-03-05 12:34:56 as the date word lays it out.
+const uint64_t kWord = 9u << 26 | 2u << 22 | 4u << 17 | 12u << 12 | 34u << 6 | 56u;
+const tm kWhen = fakeclock::MakeTm(2024, 3, 5, 12, 34, 56);
+
+// Track GUID: random in bytes 0-1, date word in bytes 2-5 whose spare bit 47
+// says "not the maker's type", development flag in bit 48. File-name GUID:
+// random in byte 0, word in bytes 1-4, development flag in its spare bit 39,
+// type flag in bit 40. Only the lowest bit of isDev counts; any non-zero
+// isVek is the maker's type. Neither writes past its eight bytes.
+TEST(TkkFlat, GuidLayouts) {
+  const struct { bool nome; int isVek, isDev, random; uint64_t expected; } cases[] = {
+      {false, 1, 0, 0x12345, kWord << 16 | 0x2345}, {false, 0, 0, 0, kWord << 16 | 1ull << 47},
+      {false, 1, 1, 0, kWord << 16 | 1ull << 48}, {false, 0, 1, 0xFFFF, kWord << 16 | 3ull << 47 | 0xFFFF},
+      {false, 1, 2, 0, kWord << 16}, {false, 2, 0, 0, kWord << 16},
+      {true, 1, 0, 0x1FF, kWord << 8 | 0xFF}, {true, 0, 0, 0, kWord << 8 | 1ull << 40},
+      {true, 1, 1, 0, kWord << 8 | 1ull << 39}, {true, 1, 2, 0, kWord << 8}, {true, 2, 0, 0, kWord << 8},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.nome << c.isVek << c.isDev);
+    unsigned char out[9];
+    memset(out, 0xEE, sizeof out);
+    if (c.nome)
+      tkkGenerateGuidNomeFile(out, c.isVek, c.isDev, &kWhen, c.random);
+    else
+      tkkGenerateGuid(out, c.isVek, c.isDev, &kWhen, static_cast<unsigned>(c.random));
+    EXPECT_EQ(DecodeFixed64(out), c.expected);
+    EXPECT_EQ(out[8], 0xEE);
+    // The decoders give the flags back and write only the six date and time members.
+    tm back = kWhen;
+    back.tm_year = back.tm_mon = back.tm_mday = back.tm_hour = back.tm_min = back.tm_sec = 0;
+    back.tm_wday = 6; back.tm_yday = 300; back.tm_isdst = 1;
+    unsigned char isVek = 9, isDev = 9;
+    (c.nome ? tkkDecodeGuidNomeFile : tkkDecodeGuid)(out, &isVek, &isDev, &back);
+    EXPECT_EQ(isVek, c.isVek != 0);
+    EXPECT_EQ(isDev, c.isDev & 1);
+    EXPECT_EQ(back.tm_wday + back.tm_yday + back.tm_isdst, 307);
+    EXPECT_EQ(timegm(&back), fakeclock::Utc(2024, 3, 5, 12, 34, 56));
+  }
+  EXPECT_EQ((std::vector<int>{tkkIsTipoVek(0), tkkIsTipoVek(1), tkkIsTipoVek(2), tkkIsDev(0), tkkIsDev(1), tkkIsDev(2)}),
+            (std::vector<int>{1, 0, 0, 0, 1, 1}));
+}
+
+// Eight base-36 digits, read from the last one and added to what the output
+// held; reading stops at the first character that is not a digit.
+TEST(TkkFlat, NamesAreEightBase36Digits) {
+  const uint64_t largest = 0x7FFFFFFFull << 8 | 0xFF | 3ull << 39;
+  const struct { const char* text; uint64_t held; int ok; uint64_t value; const char* name; } cases[] = {
+      {"00000000", 0, 1, 0, "00000000"}, {"0000000z", 0, 1, 35, "0000000z"}, {"00000010", 0, 1, 36, "00000010"},
+      {"s27to3cv", 0, 1, largest, "s27to3cv"}, {"0k3f9zq1.tkk", 0, 1, 43742705689ull, "0k3f9zq1"},
+      {"00000010", 1000, 1, 1036, "000000ss"}, {"0000000Z", 0, 0, 0, nullptr}, {"0000Z00a", 0, 0, 10, nullptr},
+      {"z000000-", 0, 0, 0, nullptr},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    unsigned char value[9];
+    memset(value, 0xEE, sizeof value);
+    vektkk::EncodeFixed64(value, c.held);
+    EXPECT_EQ(tkkGetGuidFromNomeFile(value, c.text) != 0, c.ok != 0);
+    EXPECT_EQ(DecodeFixed64(value), c.value);
+    EXPECT_EQ(value[8], 0xEE);
+    if (c.name == nullptr) continue;
+    char name[11];
+    memset(name, 'X', sizeof name);
+    tkkGetNomeFileFromGuid(name, value);
+    EXPECT_STREQ(name, c.name);
+    EXPECT_EQ(name[9], 'X');
+  }
+}
+
+// A name shorter than eight characters ending right before an unreadable
+// page: reading it must stop at its terminator (it used to read the eighth
+// character first, past the end).
+TEST(TkkFlat, NameReadingOfAShortNameStaysWithinIt) {
+  const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+  char* map = static_cast<char*>(mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  ASSERT_NE(map, MAP_FAILED);
+  ASSERT_EQ(mprotect(map + page, page, PROT_NONE), 0);
+  for (const char* name : {"", "0", "0k3f", "0k3f9zq"}) {
+    char* at = map + page - strlen(name) - 1;
+    memcpy(at, name, strlen(name) + 1);
+    unsigned char out[8] = {0};
+    EXPECT_EQ(tkkGetGuidFromNomeFile(out, at), 0) << name;
+    EXPECT_EQ(DecodeFixed64(out), 0u) << name;
+  }
+  munmap(map, 2 * page);
+}
+
+class Generators : public ::testing::Test {
+ protected:
+  void SetUp() override { fakeclock::Freeze(fakeclock::Utc(2024, 3, 5, 12, 34, 56)); }
+  void TearDown() override { fakeclock::Reset(); }
+};
+
+// A name decodes to the second it was made in and its flags; a text that is
+// not a name writes nothing. IsDev reads the type flag: a development GUID
+// of the maker's type answers false, and only the decoder sees the flag.
+TEST_F(Generators, IdentifiersCarryTheirSecondAndFlags) {
+  for (const bool f : {false, true})
+    for (const bool dev : {false, true}) {
+      SCOPED_TRACE(testing::Message() << f << dev);
+      fakeclock::QueueRand({0x7ABC4321});
+      const _UGuidTkk g = IGuidTkk::GetGuidTkk(f, dev);
+      unsigned char expected[8];
+      tkkGenerateGuid(expected, f, dev, &kWhen, 0x4321);
+      EXPECT_EQ(g.Valore, DecodeFixed64(expected));
+      EXPECT_EQ(IGuidTkk::IsVek(g), f);
+      EXPECT_EQ(IGuidTkk::IsDev(g), !f);
+      const std::string name = IGuidNomeFile::GetNomeFile(f, dev);
+      EXPECT_EQ(name.size(), 8u);
+      for (const std::string& text : {name, name + ".tkk"}) {
+        tm t = kWhen;
+        t.tm_wday = 5; t.tm_isdst = 1;
+        bool isVek = !f, isDev = !dev;
+        ASSERT_TRUE(IGuidNomeFile::GetDaNomeFile(text, t, isVek, isDev));
+        EXPECT_EQ(isVek * 10 + isDev, f * 10 + dev);
+        EXPECT_EQ(t.tm_wday + t.tm_isdst, 6);
+        EXPECT_EQ(timegm(&t), fakeclock::Utc(2024, 3, 5, 12, 34, 56));
+        isVek = !f; isDev = !dev;
+        ASSERT_TRUE(IGuidTkk::GetDaGuidTkk(g, t, isVek, isDev));
+        EXPECT_EQ(isVek * 10 + isDev, f * 10 + dev);
+        EXPECT_EQ(timegm(&t), fakeclock::Utc(2024, 3, 5, 12, 34, 56));
+      }
+    }
+  for (const char* bad : {"abc", "", "0000000Z", "0k3f9zq!", "0k3f9zq"}) {
+    tm t, before;
+    memset(&t, 0x5A, sizeof t);
+    before = t;
+    bool isVek = true, isDev = true;
+    EXPECT_FALSE(IGuidNomeFile::GetDaNomeFile(bad, t, isVek, isDev)) << bad;
+    EXPECT_TRUE(memcmp(&t, &before, sizeof t) == 0 && isVek && isDev) << bad;
+  }
+}
+
+// Within one second and one set of flags a repeated random number is drawn
+// again after 25 ms; other flags forget what was issued; when every draw
+// repeats, the GUID waits for the next second, where the number is free again.
+TEST_F(Generators, GuidsBackOffFromARepeatedNumber) {
+  fakeclock::QueueRand({0x1111, 0x1111, 0x1111, 0x2222});
+  const _UGuidTkk first = IGuidTkk::GetGuidTkk(true, false);
+  EXPECT_EQ(IGuidTkk::GetGuidTkk(true, false).Valore, (first.Valore & ~0xFFFFull) | 0x2222);
+  EXPECT_EQ(fakeclock::UsleepCalls(), 2);
+  EXPECT_EQ(fakeclock::UsleepMicros(), 50000);
+
+  fakeclock::QueueRand({5, 5, 5});
+  const _UGuidTkk a = IGuidTkk::GetGuidTkk(true, false);
+  (void)IGuidTkk::GetGuidTkk(false, false);
+  EXPECT_EQ(IGuidTkk::GetGuidTkk(true, false).Valore, a.Valore);
+  EXPECT_EQ(fakeclock::UsleepCalls(), 2);
+
+  fakeclock::Freeze(fakeclock::Utc(2024, 3, 5, 12, 34, 56));
+  for (int i = 0; i < 42; ++i) fakeclock::QueueRand({5});
+  const _UGuidTkk later = IGuidTkk::GetGuidTkk(true, false);
+  EXPECT_EQ(fakeclock::UsleepCalls(), 2 + 40);
+  EXPECT_EQ(later.Valore, a.Valore + (1ull << 16));  // the same number, one second later
+}
+
+// The memory of issued names holds only when the new value equals the last
+// key, that is when its random byte is 0: any other repeated number in the
+// same second gives the same name again.
+TEST_F(Generators, NamesRememberOnlyARandomByteOfZero) {
+  fakeclock::QueueRand({0x105, 0x205});
+  EXPECT_EQ(IGuidNomeFile::GetNomeFile(true, false), IGuidNomeFile::GetNomeFile(true, false));
+  EXPECT_EQ(fakeclock::UsleepCalls(), 0);
+  fakeclock::QueueRand({0x100, 0x200, 0x201});
+  EXPECT_NE(IGuidNomeFile::GetNomeFile(true, false), IGuidNomeFile::GetNomeFile(true, false));
+  EXPECT_EQ(fakeclock::UsleepCalls(), 1);
+  EXPECT_EQ(fakeclock::UsleepMicros(), 25000);
+}
+
+}  // namespace
