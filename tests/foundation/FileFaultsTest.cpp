@@ -4,10 +4,15 @@
 // exactly as one of the two saves left it, and no temporary file is left; a
 // file whose flush failed is never given a name; a read gives its failure.
 #include <errno.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <string.h>
+#include <sys/file.h>
 #include <sys/mount.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <set>
@@ -16,6 +21,7 @@
 #include "IFileRiassuntivo.h"
 #include "foundation/SistemaFile.h"
 #include "support/EvtLogRecorder.h"
+#include "support/PlatformFaults.h"
 #include "support/TrackFixtures.h"
 
 namespace {
@@ -25,8 +31,12 @@ using Snapshot = std::map<std::string, fixtures::Bytes>;
 namespace sys = vektkk::sys;
 
 // The k-th call fails with EIO; what the library did around a failed flush is recorded.
+// With `corte` every write stores 1 to 7 bytes only; with `lucchettoInutile` lock
+// files are opened for their path alone, so that they cannot be locked. A lock
+// file opened over and over is at last refused: a wait that never ends fails.
 struct Guasti {
-  int contate = 0, alla = 0, rinominatiNonScaricati = 0;
+  int contate = 0, alla = 0, rinominatiNonScaricati = 0, lucchetti = 0;
+  bool corte = false, lucchettoInutile = false;
   std::map<int, std::string> aperti;
   std::set<std::string> nonScaricati;
 } g;
@@ -39,11 +49,19 @@ void Nomina(const char* from, const char*) { g.rinominatiNonScaricati += g.nonSc
   [](auto... a) { prima; return Cade() ? -1 : sys::SistemaReale().call(a...); }
 const sys::Chiamate kGuaste = {
     [](const char* p, int f, mode_t m) {
-      const int fd = Cade() ? -1 : sys::SistemaReale().Open(p, f, m);
+      const bool lucchetto = strstr(p, ".tmp.lock") != nullptr;
+      if (lucchetto && g.lucchettoInutile) close(sys::SistemaReale().Open(p, f, m)), f = O_PATH | O_CLOEXEC;
+      const int fd = Cade() || (lucchetto && ++g.lucchetti > 20) ? -1 : sys::SistemaReale().Open(p, f, m);
       if (fd >= 0) g.aperti[fd] = p;
       return fd;
     },
-    GUASTA(Read, ), GUASTA(Readv, ), GUASTA(Writev, ),
+    GUASTA(Read, ), GUASTA(Readv, ),
+    [](int fd, const iovec* v, int n) -> ssize_t {
+      std::vector<iovec> parte(v, v + n);
+      size_t resto = g.corte ? 1 + g.contate % 7 : SIZE_MAX;
+      for (iovec& p : parte) p.iov_len = std::min(p.iov_len, resto), resto -= p.iov_len;
+      return Cade() ? -1 : sys::SistemaReale().Writev(fd, parte.data(), n);
+    },
     [](int fd) {
       if (!Cade()) return sys::SistemaReale().Fsync(fd);
       g.nonScaricati.insert(g.aperti[fd]);
@@ -176,6 +194,60 @@ TEST_F(FileFaults, ReadsFailAsSpecified) {
     if (g.contate < k) break;
   }
   EXPECT_GT(fallite, 1);
+}
+
+// Writes that store fewer bytes than asked go on where they stopped, across
+// the pieces of the file: the files come out the same as written in one go.
+TEST_F(FileFaults, ShortWritesGiveTheSameFiles) {
+  TempDir whole;
+  for (const Salvataggio& s : Salvataggi()) {
+    if (std::string(s.nome) == "track with a new name") continue;
+    ASSERT_TRUE(s.salva(0, whole.path())) << s.nome;
+    g = Guasti(), g.corte = true, sys::ImpostaSistema(&kGuaste);
+    EXPECT_TRUE(s.salva(0, dir_.path())) << s.nome;
+    sys::ImpostaSistema(nullptr);
+  }
+  EXPECT_EQ(Take(dir_), Take(whole));
+}
+
+size_t Descrittori() {
+  return static_cast<size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+}
+
+// Without hard links and exclusive renames (the FAT family of memory cards) a
+// generated name is claimed under a lock file, removed afterwards; a lock that
+// cannot be taken fails the save without leaking its descriptor.
+TEST_F(FileFaults, NamesClaimedUnderALockFile) {
+  faults::NoHardLinks(true, true);
+  g = Guasti(), sys::ImpostaSistema(&kGuaste);
+  const std::string nome = tracce_[0]->SalvaFileInPath(dir_.path(), nullptr);
+  EXPECT_EQ(dir_.Entries(), std::vector<std::string>{nome + ".tkk"});
+  g.lucchettoInutile = true;
+  const size_t prima = Descrittori();
+  for (int i = 0; i < 3; ++i) EXPECT_EQ("", tracce_[0]->SalvaFileInPath(dir_.path(), nullptr));
+  EXPECT_EQ(prima, Descrittori());
+  faults::NoHardLinks(false);
+}
+
+// A save first removes what saves killed in other processes left beside it:
+// temporary files ".<target>.tmp.<pid>.<n>.<ns>" of processes that no longer
+// run and lock files that nobody holds. Nothing else.
+TEST_F(FileFaults, LeftoversOfDeadProcessesAreRemoved) {
+  const pid_t morto = fork();
+  if (morto == 0) _exit(0);
+  waitpid(morto, nullptr, 0);
+  const std::string m = ".tmp." + std::to_string(morto), io = std::to_string(getpid());
+  const int tenuto = open((dir_.path() + ".b.tkk.tmp.lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
+  ASSERT_EQ(0, flock(tenuto, LOCK_EX));
+  std::vector<std::string> restano = {".a" + m + ".1", ".a" + m + ".1.2x", ".a" + m + ".1.2.3", ".a.tmp.x" + m.substr(5) + ".1.2",
+                                      ".a.tmp." + io + ".1.2", ".a.tmp.1.1.2", "a" + m + ".1.2", m + ".1.2", ".b.tkk.tmp.lock"};
+  for (const std::string& e : restano) fixtures::WriteAll(dir_.path() + e, {});
+  for (const std::string& e : {".a" + m + ".1.2", std::string(".c.tkk.tmp.lock")}) fixtures::WriteAll(dir_.path() + e, {});
+  ASSERT_EQ(kNome, tracce_[0]->SalvaFileInPath(dir_.path(), &kNome));
+  restano.push_back(kNome + ".tkk");
+  std::sort(restano.begin(), restano.end());
+  EXPECT_EQ(dir_.Entries(), restano);
+  close(tenuto);
 }
 
 // A full device, for real: a small memory file system, where the test may mount one.
