@@ -41,28 +41,25 @@ namespace {
 // folders of their own; `work` returns the track it saved and its name.
 // Then every name must be unique in its folder and every file hold exactly
 // its track: the same track saved again under that name gives the same bytes.
-using Work = std::function<std::pair<std::shared_ptr<CFileTkk>, std::string>(int, const std::string&)>;
-void ExpectEveryFileItsOwn(int threads, const Work& work) {
+using Saved = std::pair<std::shared_ptr<CFileTkk>, std::string>;
+void ExpectEveryFileItsOwn(int threads, const std::function<Saved(int, const std::string&)>& work) {
   const char* s = getenv("VEKTKK_THREADS_SECONDS");
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(s != nullptr ? atoi(s) : 1);
   std::vector<fixtures::TempDir> dirs(static_cast<size_t>(threads) + 1);
-  std::vector<std::vector<std::pair<std::shared_ptr<CFileTkk>, std::string>>> saved(dirs.size());
+  std::vector<std::vector<Saved>> saved(dirs.size());
   std::vector<std::thread> running;
+  auto dir = [&](int t) { return dirs[static_cast<size_t>(t % 2 ? t : threads)].path(); };
   for (int t = 0; t < threads; ++t)
-    running.emplace_back([&, t] {
-      while (std::chrono::steady_clock::now() < end) saved[t].push_back(work(t, dirs[t % 2 ? t : threads].path()));
-    });
+    running.emplace_back([&, t] { while (std::chrono::steady_clock::now() < end) saved[t].push_back(work(t, dir(t))); });
   for (std::thread& th : running) th.join();
   std::set<std::string> names;
   fixtures::TempDir scratch;
   for (int t = 0; t < threads; ++t) {
-    const std::string dir = dirs[t % 2 ? t : threads].path();
     EXPECT_GT(saved[t].size(), 1u);
     for (const auto& [track, name] : saved[t]) {
-      ASSERT_EQ(8u, name.size()) << "a save failed";
-      ASSERT_TRUE(names.insert(dir + name).second) << name << " saved twice in " << dir;
+      ASSERT_TRUE(name.size() == 8 && names.insert(dir(t) + name).second) << "'" << name << "' failed or came twice in " << dir(t);
       ASSERT_EQ(name, track->SalvaFileInPath(scratch.path(), &name));
-      ASSERT_EQ(fixtures::ReadAll(scratch.path() + name + ".tkk"), fixtures::ReadAll(dir + name + ".tkk")) << dir << name;
+      ASSERT_EQ(fixtures::ReadAll(scratch.path() + name + ".tkk"), fixtures::ReadAll(dir(t) + name + ".tkk")) << dir(t) << name;
     }
   }
 }
@@ -106,17 +103,15 @@ TEST(Threads, EveryOperationThatMakesIdentifiers) {
     _STagInfoVarianteTKK_fw fw;
     memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
     fw.InfoBeacons.TipoBeaconInUso = BEACON_USER;
-    fw.InfoBeacons.LineeBeacon[3][0].LatI = 456200000;
-    fw.InfoBeacons.LineeBeacon[3][0].LonI = 92800000;
+    _SDatoCoordinateBeacon& finish = fw.InfoBeacons.LineeBeacon[3][0];
+    finish.LatI = 456200000, finish.LonI = 92800000;
     dev->AddTagInfoVariante("GP", "Monza", fw, _STagIndexesVarianteTKK());
     dev->TrasformaPistaUtenteInVek(dir, BEACON_OPTIC);
     tm when;
-    bool vek = false, isDev = true;
+    bool vek = t % 2, isDev = true, nameVek = false, nameDev = true;
     IGuidTkk::GetDaGuidTkk(IGuidTkk::GetGuidTkk(t % 2 == 0, false), when, vek, isDev);
-    bad += vek != (t % 2 == 0) || isDev;
-    vek = false;
-    isDev = true;
-    bad += !IGuidNomeFile::GetDaNomeFile(IGuidNomeFile::GetNomeFile(true, false), when, vek, isDev) || !vek || isDev;
+    IGuidNomeFile::GetDaNomeFile(IGuidNomeFile::GetNomeFile(true, false), when, nameVek, nameDev);
+    bad += vek != (t % 2 == 0) || isDev || !nameVek || nameDev;
     return std::make_pair(track, name);
   });
   stop = true;

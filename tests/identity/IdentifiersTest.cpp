@@ -3,6 +3,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <tuple>
+
 #include "GuidNomeFile.h"
 #include "GuidTkk.h"
 #include "foundation/LittleEndian.h"
@@ -11,11 +13,13 @@
 
 namespace {
 
+using std::make_tuple;
 using vektkk::DecodeFixed64;
 
 // The packed time of 2024-03-05 12:34:56 as the date word lays it out.
 const uint64_t kWord = 9u << 26 | 2u << 22 | 4u << 17 | 12u << 12 | 34u << 6 | 56u;
 const tm kWhen = fakeclock::MakeTm(2024, 3, 5, 12, 34, 56);
+const time_t kWhenUtc = fakeclock::Utc(2024, 3, 5, 12, 34, 56);
 
 // Track GUID: random in bytes 0-1, date word in bytes 2-5 whose spare bit 47
 // says "not the maker's type", development flag in bit 48. File-name GUID:
@@ -34,22 +38,16 @@ TEST(TkkFlat, GuidLayouts) {
     SCOPED_TRACE(testing::Message() << c.nome << c.isVek << c.isDev);
     unsigned char out[9];
     memset(out, 0xEE, sizeof out);
-    if (c.nome)
-      tkkGenerateGuidNomeFile(out, c.isVek, c.isDev, &kWhen, c.random);
-    else
-      tkkGenerateGuid(out, c.isVek, c.isDev, &kWhen, static_cast<unsigned>(c.random));
-    EXPECT_EQ(DecodeFixed64(out), c.expected);
-    EXPECT_EQ(out[8], 0xEE);
+    c.nome ? tkkGenerateGuidNomeFile(out, c.isVek, c.isDev, &kWhen, c.random) : tkkGenerateGuid(out, c.isVek, c.isDev, &kWhen, static_cast<unsigned>(c.random));
+    EXPECT_EQ(make_tuple(DecodeFixed64(out), out[8]), make_tuple(c.expected, 0xEE));
     // The decoders give the flags back and write only the six date and time members.
     tm back = kWhen;
     back.tm_year = back.tm_mon = back.tm_mday = back.tm_hour = back.tm_min = back.tm_sec = 0;
     back.tm_wday = 6; back.tm_yday = 300; back.tm_isdst = 1;
     unsigned char isVek = 9, isDev = 9;
     (c.nome ? tkkDecodeGuidNomeFile : tkkDecodeGuid)(out, &isVek, &isDev, &back);
-    EXPECT_EQ(isVek, c.isVek != 0);
-    EXPECT_EQ(isDev, c.isDev & 1);
-    EXPECT_EQ(back.tm_wday + back.tm_yday + back.tm_isdst, 307);
-    EXPECT_EQ(timegm(&back), fakeclock::Utc(2024, 3, 5, 12, 34, 56));
+    const int untouched = back.tm_wday + back.tm_yday + back.tm_isdst;
+    EXPECT_EQ(make_tuple(isVek, isDev, untouched, timegm(&back)), (make_tuple<unsigned char, unsigned char>(c.isVek != 0, c.isDev & 1, 307, kWhenUtc)));
   }
   EXPECT_EQ((std::vector<int>{tkkIsTipoVek(0), tkkIsTipoVek(1), tkkIsTipoVek(2), tkkIsDev(0), tkkIsDev(1), tkkIsDev(2)}),
             (std::vector<int>{1, 0, 0, 0, 1, 1}));
@@ -70,15 +68,13 @@ TEST(TkkFlat, NamesAreEightBase36Digits) {
     unsigned char value[9];
     memset(value, 0xEE, sizeof value);
     vektkk::EncodeFixed64(value, c.held);
-    EXPECT_EQ(tkkGetGuidFromNomeFile(value, c.text) != 0, c.ok != 0);
-    EXPECT_EQ(DecodeFixed64(value), c.value);
-    EXPECT_EQ(value[8], 0xEE);
+    const bool ok = tkkGetGuidFromNomeFile(value, c.text) != 0;
+    EXPECT_EQ(make_tuple(ok, DecodeFixed64(value), value[8]), make_tuple(c.ok != 0, c.value, 0xEE));
     if (c.name == nullptr) continue;
     char name[11];
     memset(name, 'X', sizeof name);
     tkkGetNomeFileFromGuid(name, value);
-    EXPECT_STREQ(name, c.name);
-    EXPECT_EQ(name[9], 'X');
+    EXPECT_EQ(make_tuple(std::string(name), name[9]), make_tuple(std::string(c.name), 'X'));
   }
 }
 
@@ -94,15 +90,14 @@ TEST(TkkFlat, NameReadingOfAShortNameStaysWithinIt) {
     char* at = map + page - strlen(name) - 1;
     memcpy(at, name, strlen(name) + 1);
     unsigned char out[8] = {0};
-    EXPECT_EQ(tkkGetGuidFromNomeFile(out, at), 0) << name;
-    EXPECT_EQ(DecodeFixed64(out), 0u) << name;
+    EXPECT_FALSE(tkkGetGuidFromNomeFile(out, at) != 0 || DecodeFixed64(out) != 0) << name;
   }
   munmap(map, 2 * page);
 }
 
 class Generators : public ::testing::Test {
  protected:
-  void SetUp() override { fakeclock::Freeze(fakeclock::Utc(2024, 3, 5, 12, 34, 56)); }
+  void SetUp() override { fakeclock::Freeze(kWhenUtc); }
   void TearDown() override { fakeclock::Reset(); }
 };
 
@@ -117,29 +112,23 @@ TEST_F(Generators, IdentifiersCarryTheirSecondAndFlags) {
       const _UGuidTkk g = IGuidTkk::GetGuidTkk(f, dev);
       unsigned char expected[8];
       tkkGenerateGuid(expected, f, dev, &kWhen, 0x4321);
-      EXPECT_EQ(g.Valore, DecodeFixed64(expected));
-      EXPECT_EQ(IGuidTkk::IsVek(g), f);
-      EXPECT_EQ(IGuidTkk::IsDev(g), !f);
       const std::string name = IGuidNomeFile::GetNomeFile(f, dev);
-      EXPECT_EQ(name.size(), 8u);
+      EXPECT_EQ(make_tuple(g.Valore, IGuidTkk::IsVek(g), IGuidTkk::IsDev(g), name.size()), make_tuple(DecodeFixed64(expected), f, !f, size_t{8}));
       for (const std::string& text : {name, name + ".tkk"}) {
         tm t = kWhen;
         t.tm_wday = 5; t.tm_isdst = 1;
         bool isVek = !f, isDev = !dev;
         ASSERT_TRUE(IGuidNomeFile::GetDaNomeFile(text, t, isVek, isDev));
-        EXPECT_EQ(isVek * 10 + isDev, f * 10 + dev);
-        EXPECT_EQ(t.tm_wday + t.tm_isdst, 6);
-        EXPECT_EQ(timegm(&t), fakeclock::Utc(2024, 3, 5, 12, 34, 56));
+        const int untouched = t.tm_wday + t.tm_isdst;
+        EXPECT_EQ(make_tuple(isVek, isDev, untouched, timegm(&t)), make_tuple(f, dev, 6, kWhenUtc));
         isVek = !f; isDev = !dev;
         ASSERT_TRUE(IGuidTkk::GetDaGuidTkk(g, t, isVek, isDev));
-        EXPECT_EQ(isVek * 10 + isDev, f * 10 + dev);
-        EXPECT_EQ(timegm(&t), fakeclock::Utc(2024, 3, 5, 12, 34, 56));
+        EXPECT_EQ(make_tuple(isVek, isDev, timegm(&t)), make_tuple(f, dev, kWhenUtc));
       }
     }
   for (const char* bad : {"abc", "", "0000000Z", "0k3f9zq!", "0k3f9zq"}) {
     tm t, before;
-    memset(&t, 0x5A, sizeof t);
-    before = t;
+    memset(&t, 0x5A, sizeof t), before = t;
     bool isVek = true, isDev = true;
     EXPECT_FALSE(IGuidNomeFile::GetDaNomeFile(bad, t, isVek, isDev)) << bad;
     EXPECT_TRUE(memcmp(&t, &before, sizeof t) == 0 && isVek && isDev) << bad;
@@ -153,8 +142,7 @@ TEST_F(Generators, GuidsBackOffFromARepeatedNumber) {
   fakeclock::QueueRand({0x1111, 0x1111, 0x1111, 0x2222});
   const _UGuidTkk first = IGuidTkk::GetGuidTkk(true, false);
   EXPECT_EQ(IGuidTkk::GetGuidTkk(true, false).Valore, (first.Valore & ~0xFFFFull) | 0x2222);
-  EXPECT_EQ(fakeclock::UsleepCalls(), 2);
-  EXPECT_EQ(fakeclock::UsleepMicros(), 50000);
+  EXPECT_EQ(make_tuple(fakeclock::UsleepCalls(), fakeclock::UsleepMicros()), make_tuple(2, 50000LL));
 
   fakeclock::QueueRand({5, 5, 5});
   const _UGuidTkk a = IGuidTkk::GetGuidTkk(true, false);
@@ -162,7 +150,7 @@ TEST_F(Generators, GuidsBackOffFromARepeatedNumber) {
   EXPECT_EQ(IGuidTkk::GetGuidTkk(true, false).Valore, a.Valore);
   EXPECT_EQ(fakeclock::UsleepCalls(), 2);
 
-  fakeclock::Freeze(fakeclock::Utc(2024, 3, 5, 12, 34, 56));
+  fakeclock::Freeze(kWhenUtc);
   for (int i = 0; i < 42; ++i) fakeclock::QueueRand({5});
   const _UGuidTkk later = IGuidTkk::GetGuidTkk(true, false);
   EXPECT_EQ(fakeclock::UsleepCalls(), 2 + 40);
@@ -178,8 +166,7 @@ TEST_F(Generators, NamesRememberOnlyARandomByteOfZero) {
   EXPECT_EQ(fakeclock::UsleepCalls(), 0);
   fakeclock::QueueRand({0x100, 0x200, 0x201});
   EXPECT_NE(IGuidNomeFile::GetNomeFile(true, false), IGuidNomeFile::GetNomeFile(true, false));
-  EXPECT_EQ(fakeclock::UsleepCalls(), 1);
-  EXPECT_EQ(fakeclock::UsleepMicros(), 25000);
+  EXPECT_EQ(make_tuple(fakeclock::UsleepCalls(), fakeclock::UsleepMicros()), make_tuple(1, 25000LL));
 }
 
 }  // namespace

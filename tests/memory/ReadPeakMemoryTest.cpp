@@ -16,30 +16,20 @@
 
 namespace {
 std::atomic<size_t> g_live{0}, g_peak{0};
-void* Allocate(size_t size) {
+void* Allocate(size_t size) noexcept {
   void* p = malloc(size == 0 ? 1 : size);
-  if (p == nullptr) throw std::bad_alloc();
   const size_t live = g_live += malloc_usable_size(p);
-  for (size_t peak = g_peak.load(); live > peak && !g_peak.compare_exchange_weak(peak, live);) {
-  }
+  for (size_t peak = g_peak.load(); live > peak && !g_peak.compare_exchange_weak(peak, live);) continue;
   return p;
 }
-void Release(void* p) {
-  g_live -= malloc_usable_size(p);
-  free(p);
-}
+void* OrThrow(void* p) { return p != nullptr ? p : throw std::bad_alloc(); }
+void Release(void* p) { g_live -= malloc_usable_size(p), free(p); }
 }  // namespace
 
-void* operator new(size_t size) { return Allocate(size); }
-void* operator new[](size_t size) { return Allocate(size); }
-void* operator new(size_t size, const std::nothrow_t&) noexcept {
-  try {
-    return Allocate(size);
-  } catch (...) {
-    return nullptr;
-  }
-}
-void* operator new[](size_t size, const std::nothrow_t& t) noexcept { return operator new(size, t); }
+void* operator new(size_t size) { return OrThrow(Allocate(size)); }
+void* operator new[](size_t size) { return OrThrow(Allocate(size)); }
+void* operator new(size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
+void* operator new[](size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
 void operator delete(void* p) noexcept { Release(p); }
 void operator delete[](void* p) noexcept { Release(p); }
 void operator delete(void* p, size_t) noexcept { Release(p); }
@@ -74,12 +64,9 @@ TEST(ReadPeakMemory, TrackFiles) {
   std::vector<Bytes> files;
   // A header whose size field promises 4 GB, in a file of 100 bytes, for
   // each tag the reader keeps and one it skips.
-  for (const char* tag : {"Ptkk", "Vnfo", "pts", "srfs", "lgo", "zzzz"}) {
-    Bytes b(100, 0x5a);
-    memset(b.data(), 0, 4);
-    memcpy(b.data(), tag, strlen(tag));
-    memcpy(b.data() + 4, "\xFF\xFF\xFF\xF0", 4);
-    files.push_back(b);
+  for (const char* tag : {"Ptkk", "Vnfo", "pts\0", "srfs", "lgo\0", "zzzz"}) {
+    files.emplace_back(tag, tag + 4);
+    files.back().insert(files.back().end(), {0xFF, 0xFF, 0xFF, 0xF0}), files.back().resize(100, 0x5a);
   }
   for (uint32_t seed : {1u, 2u, 3u}) {
     const std::string name = "0track0" + std::to_string(seed);
@@ -109,11 +96,9 @@ TEST(ReadPeakMemory, SummaryFiles) {
   fixtures::TempDir dir;
   for (size_t size : {size_t{100}, size_t{128}, size_t{128 * 1000}, size_t{128 * 1000 + 1}}) {
     fixtures::WriteAll(dir.path() + "s.dat", Bytes(size, 0x41));
-    size_t records = 0;
-    ExpectSmallPeak(dir.path() + "s.dat", [&] {
-      records = static_cast<size_t>(std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMeUponFile(dir.path() + "s.dat"))->GetNumRiassuntivi());
-    });
-    EXPECT_EQ(records, size % 128 == 0 ? size / 128 : 0) << size;
+    std::unique_ptr<IFileRiassuntivo> read;
+    ExpectSmallPeak(dir.path() + "s.dat", [&] { read.reset(IFileRiassuntivo::CreateMeUponFile(dir.path() + "s.dat")); });
+    EXPECT_EQ(static_cast<size_t>(read->GetNumRiassuntivi()), size % 128 == 0 ? size / 128 : 0) << size;
   }
 }
 
