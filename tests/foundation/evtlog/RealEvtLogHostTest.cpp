@@ -19,9 +19,7 @@ HOST_EXPORT EVTCONTEXT* vek_evtcontext = nullptr;
 HOST_EXPORT pthread_mutex_t vek_evtcontext_mutex = PTHREAD_MUTEX_INITIALIZER;
 }
 
-namespace {
-std::vector<std::string> g_lines;
-}  // namespace
+static std::vector<std::string> g_lines;
 
 // Takes the place of the C library's syslog() for libevtlog: what the real
 // eventlog library would send to the system log is kept here, with the
@@ -37,18 +35,12 @@ extern "C" HOST_EXPORT void syslog(int priority, const char* format, ...) {
 
 namespace {
 
-void SetContext(EVTCONTEXT* context) {
-  pthread_mutex_lock(&vek_evtcontext_mutex);
-  vek_evtcontext = context;
-  pthread_mutex_unlock(&vek_evtcontext_mutex);
-}
-
 // A report reaches syslog in the host's format; none while the context is closed.
 TEST(RealEvtLogHost, RecordReachesSyslogInTheHostsFormat) {
   EVTCONTEXT* context = evt_ctx_init("test", EVT_FAC_USER);
   ASSERT_NE(context, nullptr);
   for (EVTCONTEXT* open : {context, static_cast<EVTCONTEXT*>(nullptr)}) {
-    SetContext(open);
+    pthread_mutex_lock(&vek_evtcontext_mutex), vek_evtcontext = open, pthread_mutex_unlock(&vek_evtcontext_mutex);
     EXPECT_FALSE(std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile("/x", false, false))->IsGood());
   }
   EXPECT_EQ(g_lines, std::vector<std::string>{"3 ERROR; test:tag='value', msg='Can\\'t open file /x'"});
