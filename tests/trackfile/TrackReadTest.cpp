@@ -1,0 +1,348 @@
+// Reading track files: failures and their reports, malformed files, logos
+// beside the track, names and offsets.
+#include <gtest/gtest.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "CFileTkk.h"
+#include "TrackMemoryRecords.h"
+#include "platform/IAtomTagEncoderBin.h"
+#include "tkkFlat.h"
+#include "support/EvtLogRecorder.h"
+#include "support/PlatformFaults.h"
+#include "support/TrackFixtures.h"
+
+namespace {
+
+using fixtures::Bytes;
+
+// Composes a track file atom by atom, with any tag and payload.
+struct FileBuilder {
+  Bytes bytes;
+  FileBuilder& Atom(const std::string& tag, const void* payload, size_t size) {
+    std::unique_ptr<IAtomTagEncoderBin> enc(IAtomTagEncoderBin::CreateMe());
+    EXPECT_TRUE(enc->append(bytes, tag, payload, static_cast<uint32_t>(size), 0));
+    return *this;
+  }
+  template <typename T>
+  FileBuilder& Record(const std::string& tag, const T& record) { return Atom(tag, &record, sizeof record); }
+  FileBuilder& Info() { return Record("Ptkk", _STagInfoFileTKK()); }
+  // A variant's fixed part named `device`, nation codes filled.
+  FileBuilder& Fw(const char* device = "") {
+    _STagInfoVarianteTKK_fw fw;
+    memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
+    strcpy(fw.NomeXDevice, device);
+    return Record("Vnfo", fw);
+  }
+  FileBuilder& Sw(const char* name) {
+    _STagInfoVarianteTKK_sw sw;
+    return Atom("V_sw", strcpy(sw.NomePista, name), sizeof sw);
+  }
+  FileBuilder& Idx(uint16_t punti = 0xFFFF, uint16_t logo = 0xFFFF) {
+    _STagIndexesVarianteTKK idx;
+    idx.IdxPunti = punti;
+    idx.IdxLogo = logo;
+    return Record("Vidx", idx);
+  }
+  FileBuilder& Points(size_t n) { return Atom("pts", std::vector<_t_s_lla_i>(n, {1, 2, 3}).data(), n * 12); }
+  FileBuilder& Logo(std::string name, const Bytes& image) {
+    name.push_back('\0');
+    name.append(image.begin(), image.end());
+    return Atom("lgo", name.data(), name.size());
+  }
+};
+
+class TrackRead : public ::testing::Test {
+ protected:
+  void SetUp() override { evtrec::Reset(true); }
+  void TearDown() override {
+    evtrec::Reset(false);
+    faults::FailDecoderCreation(false);
+    faults::PlainContainer(false);
+  }
+  std::string Write(const Bytes& bytes, const std::string& name = "0k3f9zq1.tkk") {
+    fixtures::WriteAll(dir_.path() + name, bytes);
+    return dir_.path() + name;
+  }
+  static std::unique_ptr<CFileTkk> Open(const std::string& path, bool senzaLogo = false) {
+    return std::unique_ptr<CFileTkk>(static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(path, false, senzaLogo)));
+  }
+  std::string Reports() const {
+    std::string out;
+    for (const evtrec::Event& e : evtrec::Events()) out += e.severity + " " + e.Message() + "\n";
+    return out;
+  }
+  bool Exists(const std::string& name) const { return access((dir_.path() + name).c_str(), F_OK) == 0; }
+
+  fixtures::TempDir dir_;
+};
+
+// Each failure gives one report and leaves no variant, also in an object
+// that held a good track before; the file's size is kept all the same.
+TEST_F(TrackRead, FailuresAreReportedWithTheirMessage) {
+  const Bytes good = FileBuilder().Info().Fw().Sw("GP").Idx().bytes;
+  Bytes badCrc = good, hugeSize = good, trailing = good;
+  trailing.resize(good.size() + 5);  // too short for another atom
+  badCrc[20] ^= 1;
+  hugeSize[6] = hugeSize[7] = 0xFF;  // a 4 GB size field is refused, not allocated
+  // Past the read buffer: the end of a logo read straight into its record,
+  // the end of an ignored atom passed over.
+  Bytes badLogo = FileBuilder().Info().Fw().Idx(0xFFFF, 0).Logo("a.png", Bytes(40000, 7)).bytes;
+  Bytes badUnknown = FileBuilder().Info().Fw().Idx().Atom("zzz", Bytes(40000, 7).data(), 40000).bytes;
+  badLogo[badLogo.size() - 10] ^= 1;
+  badUnknown[badUnknown.size() - 10] ^= 1;
+  const std::string interpret = "Can't interpret file ";
+  struct Case {
+    const char* what;
+    Bytes bytes;
+    std::string message;  // the path follows
+  } const cases[] = {
+      {"missing file", {}, "Can't open file "},
+      {"empty file", {}, "Zero length file "},
+      {"no decoder", good, "Can't alloc mem"},
+      {"bad CRC", badCrc, interpret},
+      {"bad CRC at the end of a logo", badLogo, interpret},
+      {"bad CRC at the end of an unknown atom", badUnknown, interpret},
+      {"size field beyond the file", hugeSize, interpret},
+      {"last byte missing", Bytes(good.begin(), good.end() - 1), interpret},
+      {"bytes after the last atom", trailing, interpret},
+      {"Ptkk of 267 bytes", FileBuilder().Atom("Ptkk", good.data(), 267).bytes, interpret},
+      {"no Ptkk", FileBuilder().Fw().Idx().bytes, interpret},
+      {"Vnfo without Vidx", FileBuilder().Info().Fw().Fw().Idx().bytes, interpret},
+      {"Vidx before Vnfo", FileBuilder().Info().Idx().Fw().bytes, "Can't find STagInfoVarianteTKK_fw"},
+  };
+  std::unique_ptr<CFileTkk> again = Open(Write(good, "good.tkk"));
+  for (bool plain : {false, true})
+    for (const Case& c : cases) {
+      SCOPED_TRACE(std::string(c.what) + (plain ? ", container without pieces" : ""));
+      faults::PlainContainer(plain);
+      const std::string path = dir_.path() + "case.tkk";
+      unlink(path.c_str());
+      if (c.what != cases[0].what) fixtures::WriteAll(path, c.bytes);
+      const bool noDecoder = c.what == cases[2].what;
+      ASSERT_TRUE(again->LeggiFile(dir_.path() + "good.tkk", false));
+      evtrec::Reset(true);
+      faults::FailDecoderCreation(noDecoder);
+      std::unique_ptr<CFileTkk> track = Open(path);
+      EXPECT_FALSE(again->LeggiFile(path, false));
+      faults::FailDecoderCreation(false);
+      EXPECT_FALSE(track->IsGood());
+      EXPECT_TRUE(again->GetTagsInfoVarianti().empty() && again->GetVariantiTrack().empty());
+      EXPECT_EQ(again->GetDimTkk(), c.bytes.size());
+      const std::string report = "ERROR " + c.message + (c.message.back() == ' ' ? path : "") + "\n";
+      EXPECT_EQ(Reports(), report + report);
+    }
+}
+
+// A FIFO named like a track, or a device, used to keep the open waiting for
+// a writer for ever; as a logo it did the same.
+TEST_F(TrackRead, SpecialFilesAreRefusedAtOnce) {
+  const std::string fifo = dir_.path() + "0k3f9zq1.tkk";
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
+  alarm(20);  // a wait ends the test here
+  for (const std::string& path : {fifo, std::string("/dev/null")}) {
+    evtrec::Reset(true);
+    EXPECT_FALSE(Open(path)->IsGood());
+    EXPECT_EQ(Reports(), "ERROR Can't open file " + path + "\n");
+    std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
+    track->SetTrackLogo(path);
+    EXPECT_EQ(0xFFFF, track->GetTagInfo()->Indici.IdxLogo) << path;
+  }
+  alarm(0);
+}
+
+// Atoms of other tags or sizes are ignored: only a 256-byte "V_sw" names
+// the track. Variants whose indexes name nothing are skipped.
+TEST_F(TrackRead, MalformedButReadableFiles) {
+  _STagIndexesVarianteTKK farIdx;
+  farIdx.IdxFondiStradali = 9;
+  const uint32_t weird = 7;
+  const Bytes named(256, 'q');
+  struct Case {
+    const char* what;
+    Bytes bytes;
+    size_t variants;
+  } const cases[] = {
+      {"unknown tag", FileBuilder().Info().Atom("zzz", named.data(), 256).Fw().Idx().bytes, 1},
+      {"V_sw of wrong size", FileBuilder().Info().Fw().Atom("V_sw", "x", 1).Idx().bytes, 1},
+      {"64 road surfaces", FileBuilder().Info().Fw().Atom("srfs", Bytes(256, 1).data(), 256).Idx().bytes, 1},
+      {"index out of range", FileBuilder().Info().Points(2).Points(3).Fw().Idx(3).Fw().Idx(1).bytes, 1},
+      {"surface index out of range", FileBuilder().Info().Fw().Record("Vidx", farIdx).bytes, 0},
+      {"empty pts", FileBuilder().Info().Atom("pts", nullptr, 0).Points(1).Fw().Idx(1).bytes, 0},
+      {"pts of odd size", FileBuilder().Info().Atom("pts", &weird, 4).Fw().Idx(0).bytes, 0},
+      {"empty logo still counts", FileBuilder().Info().Atom("lgo", nullptr, 0).Fw().Idx(0xFFFF, 0).bytes, 1},
+      {"only the file info", FileBuilder().Info().bytes, 0},
+      {"large unknown atom", FileBuilder().Info().Atom("zzz", Bytes(40000, 1).data(), 40000).Fw().Idx().bytes, 1},
+      {"logo name longer than the read buffer",
+       FileBuilder().Info().Logo(std::string(20000, 'n'), Bytes(20, 1)).Fw().Idx(0xFFFF, 0).bytes, 1},
+  };
+  for (bool plain : {false, true})
+    for (const Case& c : cases) {
+      SCOPED_TRACE(c.what);
+      faults::PlainContainer(plain);
+      std::unique_ptr<CFileTkk> track = Open(Write(c.bytes));
+      EXPECT_TRUE(track->IsGood());
+      ASSERT_EQ(track->GetTagsInfoVarianti().size(), c.variants);
+      if (c.variants > 0) {
+        EXPECT_EQ(track->GetNomePista(), "");
+      }
+    }
+}
+
+TEST_F(TrackRead, CurrentRecordsCarryOverBetweenVariants) {
+  // One V_sw before the first Vidx and none before the second: both
+  // variants carry its name.
+  std::unique_ptr<CFileTkk> track = Open(Write(FileBuilder().Info().Fw("A").Sw("Ring").Idx().Fw("B").Idx().bytes));
+  ASSERT_EQ(track->GetTagsInfoVarianti().size(), 2u);
+  for (const STagsInfoVariante* v : track->GetTagsInfoVarianti()) {
+    EXPECT_STREQ(v->InfoSw.NomePista, "Ring");
+    EXPECT_EQ(v->Owner, track.get());
+  }
+  EXPECT_STREQ(track->GetTagInfoVariante(1)->InfoFw.NomeXDevice, "B");
+  // Two Vidx after the same current Vnfo share its fixed part.
+  track = Open(Write(FileBuilder().Info().Fw("A").Fw("B").Idx().Idx().bytes));
+  ASSERT_EQ(track->GetTagsInfoVarianti().size(), 2u);
+  EXPECT_STREQ(track->GetTagInfoVariante(0)->InfoFw.NomeXDevice, "B");
+  EXPECT_STREQ(track->GetTagInfoVariante(1)->InfoFw.NomeXDevice, "B");
+}
+
+TEST_F(TrackRead, NameOnDiskAndFlagsFromTheName) {
+  const Bytes bytes = FileBuilder().Info().Fw().Idx().bytes;
+  const std::pair<const char*, const char*> cases[] = {
+      {"ABCDEFGH.tkk", "ABCDEFGH"}, {"ABC.tkk", ""}, {"ABCDEFGHI.tkk", ""}, {"0k3f9zq1.tkk", "0k3f9zq1"}};
+  for (const auto& c : cases) {
+    char name[8];
+    Open(Write(bytes, c.first))->GetNomeFile(name);
+    EXPECT_EQ(std::string(name, strnlen(name, 8)), c.second) << c.first;
+  }
+  // The flags of a valid name tell a maker's track from a development one.
+  const tm when = {};
+  for (int flags = 0; flags < 4; ++flags) {
+    unsigned char value[8];
+    char name[9];
+    tkkGenerateGuidNomeFile(value, flags & 1, flags >> 1, &when, 0);
+    tkkGetNomeFileFromGuid(name, value);
+    std::unique_ptr<CFileTkk> track = Open(Write(bytes, std::string(name) + ".tkk"));
+    EXPECT_EQ(track->IsVekTrack(), (flags & 1) == 1) << name;
+    EXPECT_EQ(track->IsDevTrack(), flags >> 1 == 1) << name;
+    EXPECT_EQ(track->IsGood(), flags != 3) << name;
+  }
+}
+
+TEST_F(TrackRead, LogosAreLoadedAndWrittenBesideTheTrack) {
+  const Bytes image = {1, 2, 3, 4, 5, 6, 7};
+  const std::string path = Write(FileBuilder().Info().Logo("badge.png", image).Fw().Idx(0xFFFF, 0).bytes);
+  std::unique_ptr<CFileTkk> track = Open(path);
+  ASSERT_NE(track->GetTrackLogoBuffer(), nullptr);
+  EXPECT_EQ(track->GetTrackLogoBuffer()->Dati, image);
+  EXPECT_EQ(*track->GetTrackLogo(), dir_.path() + "badge.png");
+  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge.png"), image);
+  // Read again: the existing image stays, or with nuovoNomeLogo a numbered
+  // copy is made.
+  EXPECT_TRUE(track->LeggiFile(path, false));
+  EXPECT_FALSE(Exists("badge1.png"));
+  EXPECT_TRUE(track->LeggiFile(path, true));
+  EXPECT_TRUE(track->LeggiFile(path, true));
+  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge1.png"), image);
+  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge2.png"), image);
+  EXPECT_EQ(*track->GetTrackLogo(), dir_.path() + "badge.png");
+  // A dangling link in the image's place is kept: the image gets a number.
+  const std::string badge = dir_.path() + "badge.png";
+  ASSERT_EQ(0, unlink(badge.c_str()) + symlink("nowhere", badge.c_str()));
+  EXPECT_TRUE(track->LeggiFile(path, true));
+  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge3.png"), image);
+}
+
+// Each image of a name looks for its number from where the previous one
+// stopped: a file with many logos of one name used to probe 1, 2, ... again
+// for every logo, quadratic in their number.
+TEST_F(TrackRead, NumberedLogoNamesAreProbedOnce) {
+  constexpr unsigned kLogos = 200;
+  FileBuilder file;
+  file.Info();
+  for (unsigned i = 0; i < kLogos; ++i) file.Logo("badge.png", Bytes(8, static_cast<unsigned char>(i)));
+  const std::string path = Write(file.Fw().Idx(0xFFFF, 0).bytes);
+  std::unique_ptr<CFileTkk> track = Open(path);
+  faults::ResetAccessCount();
+  ASSERT_TRUE(track->LeggiFile(path, true));
+  EXPECT_LT(faults::AccessCount(), 3u * kLogos);
+  // The same names as probing from 1: badge.png held logo 0 from the first
+  // read, this read numbered all 200 from badge1.png on.
+  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge200.png"), Bytes(8, kLogos - 1));
+  EXPECT_FALSE(Exists("badge201.png"));
+}
+
+TEST_F(TrackRead, SomeImagesStayInMemoryOnly) {
+  const std::pair<std::string, Bytes> cases[] = {
+      {"tiny.png", {1, 2, 3, 4, 5}},     // too short for a file
+      {"../escaped.png", Bytes(20, 7)},  // would leave the directory
+  };
+  for (const auto& c : cases) {
+    std::unique_ptr<CFileTkk> track = Open(Write(FileBuilder().Info().Logo(c.first, c.second).Fw().Idx(0xFFFF, 0).bytes));
+    EXPECT_EQ(track->GetTrackLogoBuffer()->Dati, c.second);
+    EXPECT_FALSE(Exists(c.first)) << c.first;
+  }
+  // Without logos none is read and the logo index is not checked.
+  std::unique_ptr<CFileTkk> track =
+      Open(Write(FileBuilder().Info().Logo("badge.png", Bytes(20, 9)).Fw().Idx(0xFFFF, 7).bytes), true);
+  EXPECT_TRUE(track->IsGood());
+  ASSERT_EQ(track->GetTagsInfoVarianti().size(), 1u);
+  EXPECT_EQ(track->GetTrackLogoBuffer(), nullptr);
+  EXPECT_FALSE(Exists("badge.png"));
+}
+
+TEST_F(TrackRead, FileOffsetsKeptAsSummariesRecordThem) {
+  std::unique_ptr<CFileTkk> track =
+      Open(Write(FileBuilder().Info().Fw().Idx(0).Fw().Idx().Fw().Idx(1).Points(10).Points(3).bytes));
+  ASSERT_EQ(track->GetTagsInfoVarianti().size(), 3u);
+  const uint32_t first = 8 + 4 + 268;
+  for (int i : {-1, 0, 4}) EXPECT_EQ(track->GetOffsetDatiFw(static_cast<short>(i)), first) << i;
+  EXPECT_EQ(track->GetOffsetDatiFw(1), first + 740 + 3 * 4 + 3 * 8);  // the second Vnfo
+  EXPECT_EQ(track->GetOffsetDatiFw(3), 8 + 4 + 1008 + 12 + 3 * 24u);
+  const uint32_t firstPts = first + 3 * (3 * 8 + 3 * 4 + 740);
+  EXPECT_EQ(track->GetOffsetPti(0), firstPts);
+  EXPECT_EQ(track->GetOffsetPti(1), firstPts + 8 + 120 + 4);
+  EXPECT_EQ(track->GetOffsetPti(2), firstPts + 8 + 120 + 4);  // variant 1 has no shape
+  EXPECT_EQ(track->GetOffsetPti(3) + track->GetOffsetPti(-1), 0u);
+  EXPECT_EQ(Open(Write(FileBuilder().Info().Fw().Idx().bytes))->GetOffsetPti(0), 0u);
+}
+
+long ResidentKb() {
+  long pages = 0, resident = 0;
+  FILE* f = fopen("/proc/self/statm", "r");
+  if (f == nullptr || fscanf(f, "%ld %ld", &pages, &resident) != 2) resident = -1;
+  if (f != nullptr) fclose(f);
+  return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+// With the host's allocator as it comes, a process that reads and saves a
+// 1 MB track over and over keeps the same resident memory.
+TEST_F(TrackRead, ReadingAndSavingInALoopKeepsResidentMemoryFlat) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "AddressSanitizer keeps freed memory in quarantine";
+#endif
+  std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
+  _STagIndexesVarianteTKK idx;
+  idx.IdxPunti = track->AddTagDatiPuntiTracciato(std::vector<_t_s_lla_i>(7999, _t_s_lla_i{1, 2, 3}));
+  idx.IdxLogo = track->AddTagDatiLogo(Bytes(900 * 1024, 9), "logo.png");
+  ASSERT_TRUE(track->AddTagInfoVariante("GP", "GP", _STagInfoVarianteTKK_fw(), idx));
+  const std::string name = "0k3f9zq1", path = dir_.path() + name + ".tkk";
+  std::unique_ptr<CFileTkk> same = fixtures::MakeSmallTrack();
+  const auto round = [&] {
+    ASSERT_EQ(track->SalvaFileInPath(dir_.path(), &name), name);
+    ASSERT_TRUE(Open(path)->IsGood());
+    ASSERT_TRUE(same->LeggiFile(path, false));
+  };
+  for (int i = 0; i < 20; ++i) round();
+  const long before = ResidentKb();
+  for (int i = 0; i < 100; ++i) round();
+  EXPECT_LT(ResidentKb() - before, 1024) << "KB more resident after 100 rounds";
+}
+
+}  // namespace
