@@ -57,58 +57,49 @@ Snapshot Take(const TempDir& dir) {
   return files;
 }
 
-// The exit code of `body` run in a child process (as user nobody if asked),
-// 2 if it could not become nobody, or 128 + the signal that ended it.
-int InChild(const std::function<bool()>& body, bool asNobody = false) {
+// A child process running `body` (as user nobody if asked): it exits with 0
+// when `body` answers true, 1 when false, 2 if it could not become nobody.
+pid_t Fork(const std::function<bool()>& body, bool asNobody = false) {
   const pid_t pid = fork();
-  if (pid == 0) {
-    alarm(20);
-    const gid_t nobody = 65534;
-    if (asNobody && geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(nobody) != 0 || setuid(nobody) != 0))
-      _exit(2);
-    _exit(body() ? 0 : 1);
-  }
+  if (pid != 0) return pid;
+  alarm(20);
+  const gid_t nobody = 65534;
+  if (asNobody && geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(nobody) != 0 || setuid(nobody) != 0))
+    _exit(2);
+  _exit(body() ? 0 : 1);
+}
+
+// The child's exit code, or 128 + the signal that ended it.
+int Wait(pid_t pid) {
   int status = 0;
   waitpid(pid, &status, 0);
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-// A child saves with `save` over and over until it is killed, `delayUs`
-// after it started; `check` looks at what the kill left.
+// A child saves with `save` over and over until it is killed at a random
+// moment; `check` then looks at what the kill left.
 void KillSavesAtRandom(int kills, int minUs, int maxUs, const std::function<bool(int)>& save,
                        const std::function<void(int)>& check) {
   std::mt19937 rng(20261122);
   std::uniform_int_distribution<int> delayUs(minUs, maxUs);
   for (int kill = 0; kill < kills; ++kill) {
-    const pid_t pid = fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) {
-      alarm(20);
+    const pid_t pid = Fork([&] {
       for (int i = 0;; ++i)
-        if (!save(i)) _exit(1);
-    }
+        if (!save(i)) return false;
+    });
     std::this_thread::sleep_for(std::chrono::microseconds(delayUs(rng)));
     ::kill(pid, SIGKILL);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    ASSERT_TRUE(WIFSIGNALED(status)) << "the saving child stopped by itself, status " << status;
+    ASSERT_EQ(Wait(pid), 128 + SIGKILL) << "the saving child stopped by itself";
     check(kill);
   }
 }
 
-// The ways of saving under a given name.
-struct SaveWay {
-  const char* label;
-  std::string (*save)(CFileTkk&, const std::string& dir);
-};
-const SaveWay kWays[] = {
-    {"Given", [](CFileTkk& t, const std::string& dir) { return t.SalvaFileInPath(dir, &kNome); }},
-    {"LogoApart", [](CFileTkk& t, const std::string& dir) { return t.SalvaFileInPathLogoEsterno(dir, kNome); }}};
-void PrintTo(const SaveWay& way, std::ostream* os) { *os << way.label; }
-
-class DurableSave : public ::testing::TestWithParam<SaveWay> {
+// Saves under a given name, the logos inside the track or apart.
+class DurableSave : public ::testing::TestWithParam<bool> {
  protected:
-  bool Save(CFileTkk& track, const TempDir& dir) { return GetParam().save(track, dir.path()) == kNome; }
+  bool Save(CFileTkk& t, const TempDir& dir) {
+    return (GetParam() ? t.SalvaFileInPathLogoEsterno(dir.path(), kNome) : t.SalvaFileInPath(dir.path(), &kNome)) == kNome;
+  }
   TempDir dir_;
 };
 
@@ -143,7 +134,7 @@ TEST_P(DurableSave, KilledSavesLeaveOneCompleteVersion) {
   const std::string live = "." + kTrack + ".tmp." + std::to_string(getpid()) + ".1.1";
   fixtures::WriteAll(dir_.path() + live, {1});
   clean[0][live] = {1};
-  ASSERT_EQ(0, InChild([&] { return Save(*tracks[0], dir_); }));
+  ASSERT_EQ(0, Wait(Fork([&] { return Save(*tracks[0], dir_); })));
   EXPECT_EQ(clean[0], Take(dir_));
 }
 
@@ -184,12 +175,12 @@ TEST_P(DurableSave, RefusesAFileTheCallerMayNotWrite) {
   ASSERT_EQ(0, chmod(dir_.path().c_str(), 0777));
   const Snapshot before = Take(dir_);
   const std::unique_ptr<CFileTkk> track = MakeTrack(12);
-  EXPECT_EQ(1, InChild([&] { return Save(*track, dir_); }, true)) << "2: could not become nobody; 0: saved";
+  EXPECT_EQ(1, Wait(Fork([&] { return Save(*track, dir_); }, true))) << "2: could not become nobody; 0: saved";
   EXPECT_EQ(before, Take(dir_));
 }
 
-INSTANTIATE_TEST_SUITE_P(Ways, DurableSave, ::testing::ValuesIn(kWays),
-                         [](const ::testing::TestParamInfo<SaveWay>& way) { return way.param.label; });
+INSTANTIATE_TEST_SUITE_P(Ways, DurableSave, ::testing::Bool(),
+                         [](const ::testing::TestParamInfo<bool>& way) { return way.param ? "LogoApart" : "Given"; });
 
 // Without hard links and without RENAME_NOREPLACE a generated name was once
 // claimed by an empty placeholder that the rename then replaced: a kill in
@@ -203,12 +194,12 @@ TEST(GeneratedNames, KilledSavesWithoutHardLinksNeverLeaveAnIncompleteTrack) {
   faults::SlowRename(2000);
   const auto start = std::chrono::steady_clock::now();
   const auto save = [&](const TempDir& where) { return !track->SalvaFileInPath(where.path(), nullptr).empty(); };
-  ASSERT_EQ(0, InChild([&] { return save(probe); }));
+  ASSERT_EQ(0, Wait(Fork([&] { return save(probe); })));
   const int saveUs = static_cast<int>(
       std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count());
   KillSavesAtRandom(60, saveUs / 4, saveUs * 3, [&](int) { return save(dir); }, [](int) {});
   faults::SlowRename(0);
-  ASSERT_EQ(0, InChild([&] { return save(dir); }));
+  ASSERT_EQ(0, Wait(Fork([&] { return save(dir); })));
   faults::NoHardLinks(false);
   const std::vector<std::string> entries = dir.Entries();
   EXPECT_GT(entries.size(), 1u);
@@ -226,22 +217,14 @@ TEST(GeneratedNames, KilledSavesWithoutHardLinksNeverLeaveAnIncompleteTrack) {
 TEST(GeneratedNames, ConcurrentSavesGiveDistinctCompleteFiles) {
   TempDir dir;
   std::vector<pid_t> pids;
-  for (uint32_t c = 0; c < 3; ++c) {
-    pids.push_back(fork());
-    ASSERT_GE(pids.back(), 0);
-    if (pids.back() == 0) {
-      alarm(20);
+  for (uint32_t c = 0; c < 3; ++c)
+    pids.push_back(Fork([&] {
       std::set<std::string> names;
       for (uint32_t i = 0; i < 100; ++i)
-        if (!names.insert(fixtures::MakeRandomTrack(1000 * c + i)->SalvaFileInPath(dir.path(), nullptr)).second) _exit(1);
-      _exit(names.count("") ? 1 : 0);
-    }
-  }
-  for (const pid_t pid : pids) {
-    int status = 0;
-    waitpid(pid, &status, 0);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "status " << status;
-  }
+        if (!names.insert(fixtures::MakeRandomTrack(1000 * c + i)->SalvaFileInPath(dir.path(), nullptr)).second) return false;
+      return names.count("") == 0;
+    }));
+  for (const pid_t pid : pids) EXPECT_EQ(0, Wait(pid));
   const std::vector<std::string> entries = dir.Entries();
   EXPECT_EQ(300u, entries.size());
   for (const std::string& entry : entries) {
