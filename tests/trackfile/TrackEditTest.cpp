@@ -213,9 +213,12 @@ TEST_F(TrackEdit, GoodTracksUseLineTypes1To4AndAreNotBothMakersAndDevelopment) {
   }
 }
 
-TEST_F(TrackEdit, ObjectsOpenedReadOnlyRefuseChanges) {
-  const std::string name = "0k3f9zq1";
+// Objects opened read only or without logos change nothing and say so;
+// without logos no image is loaded either.
+TEST_F(TrackEdit, ObjectsOpenedReadOnlyOrWithoutLogosRefuseChanges) {
+  const std::string name = "0k3f9zq1", badge = dir_.path() + "badge.png";
   fixtures::MakeSmallTrack()->SalvaFileInPath(dir_.path(), &name);
+  fixtures::WriteAll(badge, {1, 2, 3});
   for (const bool senzaLogo : {false, true}) {
     std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(
         IFileTkk::CreateMeUponFile(dir_.path() + name + ".tkk", !senzaLogo, senzaLogo)));
@@ -228,16 +231,23 @@ TEST_F(TrackEdit, ObjectsOpenedReadOnlyRefuseChanges) {
     EXPECT_FALSE(t->AddTagInfoVariante("", "", Fw(), Idx()));
     EXPECT_EQ(t->SalvaFileInPath(dir_.path(), &name) + t->SalvaFileInPath(dir_.path(), nullptr) +
                   t->SalvaFileInPathLogoEsterno(dir_.path(), name), "");
-    EXPECT_EQ(Reports(), std::vector<std::string>(8, "ALERT Excluded, hence skipping!")) << senzaLogo;
-    EXPECT_EQ(evtrec::Events()[0].priority, 1);
+    Bytes buffer = {42};
+    EXPECT_EQ(t->SaveTrackFileLogoBuffer(buffer, badge), senzaLogo ? 0u : 3u);
+    EXPECT_EQ(buffer, (senzaLogo ? Bytes{42} : Bytes{1, 2, 3}));
+    t->SetTrackLogo(badge);  // a read-only object still takes a logo in memory
+    EXPECT_EQ(t->GetTrackLogoBuffer() == nullptr, senzaLogo);
+    std::vector<std::string> reports(8, "ALERT Excluded, hence skipping!");
+    if (senzaLogo) reports.push_back("NOTICE Forced no logo hence read only");
+    EXPECT_EQ(Reports(), reports);
+    EXPECT_EQ(evtrec::Events().front().priority + evtrec::Events().back().priority, senzaLogo ? 6 : 2);
     EXPECT_EQ(t->GetTagsInfoVarianti().size(), 1u);
-    EXPECT_EQ(dir_.Entries(), std::vector<std::string>{name + ".tkk"});
+    EXPECT_EQ(dir_.Entries(), (std::vector<std::string>{name + ".tkk", "badge.png"}));
   }
 }
 
 TEST_F(TrackEdit, SettingALogoLoadsTheImage) {
   const Bytes image = {9, 8, 7, 6, 5, 4, 3, 2, 1, 0, 1};
-  const std::string badge = dir_.path() + "badge.png", name = "0k3f9zq1";
+  const std::string badge = dir_.path() + "badge.png";
   fixtures::WriteAll(badge, image);
   auto t = fixtures::MakeSmallTrack();
   t->AddTagDatiLogo({1}, "other.png");  // the new logo will be the second
@@ -254,20 +264,6 @@ TEST_F(TrackEdit, SettingALogoLoadsTheImage) {
   auto none = Empty();
   none->SetTrackLogo(badge);
   EXPECT_EQ(none->GetTrackLogoBuffer(), nullptr);
-  Bytes buffer = {42};
-  EXPECT_EQ(none->SaveTrackFileLogoBuffer(buffer, badge), image.size());
-  EXPECT_EQ(buffer, image);
-  // An object opened without logos loads none and says so.
-  t->SalvaFileInPath(dir_.path(), &name);
-  std::unique_ptr<CFileTkk> noLogo(
-      static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(dir_.path() + name + ".tkk", false, true)));
-  evtrec::Reset(true);
-  EXPECT_EQ(noLogo->SaveTrackFileLogoBuffer(buffer, badge), 0u);
-  noLogo->SetTrackLogo(badge);  // returns before loading
-  EXPECT_EQ(buffer, image);
-  EXPECT_EQ(noLogo->GetTrackLogoBuffer(), nullptr);
-  EXPECT_EQ(Reports(), std::vector<std::string>{"NOTICE Forced no logo hence read only"});
-  EXPECT_EQ(evtrec::Events()[0].priority, 5);
 }
 
 TEST_F(TrackEdit, BeaconSets) {
@@ -303,14 +299,13 @@ TEST_F(TrackEdit, BeaconSets) {
 
 TEST_F(TrackEdit, MovingTheSetCopiesTheFinishLineSixTimes) {
   auto t = fixtures::MakeSmallTrack();
-  const _SInfoBeacons& b = t->GetTagInfo()->InfoFw.InfoBeacons;
-  t->GetTagInfo()->InfoFw.InfoBeacons.TipoBeaconInUso = BEACON_SCRUTINEERING;
+  _SInfoBeacons& b = t->GetTagInfo()->InfoFw.InfoBeacons;
+  b.TipoBeaconInUso = BEACON_SCRUTINEERING;
   for (unsigned i = 0; i < 3; ++i) t->SetLineeSplitLLH(i, Line(10 + i, 20, 15 - i), BEACON_IN_USO);
   EXPECT_EQ(t->GetLarghezzaPista(), 15u);
   EXPECT_TRUE(t->TrasformaSetDiBeacon(BEACON_OPTIC));
   for (const auto& l : b.LineeBeacon[2]) EXPECT_EQ(l.LatI * 100 + l.LarghezzaPista, 1015u);
-  EXPECT_EQ(b.GetNumeroSplit(BEACON_SCRUTINEERING), 3u);  // the set in use is unchanged
-  EXPECT_EQ(b.TipoBeaconInUso, BEACON_SCRUTINEERING);
+  EXPECT_EQ(b.GetNumeroSplit(BEACON_IN_USO) * 10 + b.TipoBeaconInUso, 31u);  // the set in use is unchanged
   EXPECT_FALSE(t->CanUseBeaconTypeMagnetic());
   t->SetTrackTypeCircuitKey(TRACCIATO_KART_TRACK);
   EXPECT_TRUE(t->CanUseBeaconTypeMagnetic());
@@ -379,10 +374,9 @@ TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
   ASSERT_EQ(files.size(), 1u);
   std::unique_ptr<CFileTkk> vek(
       static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(dir_.path() + files[0], false, false)));
-  ASSERT_TRUE(vek->IsGood() && vek->IsVekTrack());
+  ASSERT_TRUE(vek->IsGood() && vek->IsVekTrack() && !vek->IsUserCreatedNewTrack());
   ASSERT_EQ(vek->GetTagsInfoVarianti().size(), 1u);
   EXPECT_EQ(vek->GetNomePista() + "/" + vek->GetNomeXDevice(), "GP/Monza");
-  EXPECT_FALSE(vek->IsUserCreatedNewTrack());
   // The source's record but for the optic set (six copies of the finish
   // line) and the maker bit of the GUID; the source itself is unchanged.
   Fw expected = source;
@@ -391,11 +385,8 @@ TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
   EXPECT_EQ(memcmp(&vek->GetTagInfo()->InfoFw, &expected, sizeof expected), 0);
   EXPECT_TRUE(IGuidTkk::IsVek(vek->GetTagInfo()->InfoFw.Guid));
   EXPECT_EQ(memcmp(&dev->GetTagInfo()->InfoFw, &source, sizeof source), 0);
-  // The maker bit is a toggle.
-  dev->TrasformaPistaInVek();
+  dev->TrasformaPistaInVek();  // a toggle of bit 47
   EXPECT_EQ(uint64_t{dev->GetTagInfo()->InfoFw.Guid.Valore}, source.Guid.Valore ^ (1ull << 47));
-  dev->TrasformaPistaInVek();
-  EXPECT_EQ(memcmp(&dev->GetTagInfo()->InfoFw, &source, sizeof source), 0);
 
   auto maker = fixtures::MakeSmallTrack();
   EXPECT_FALSE(maker->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));
