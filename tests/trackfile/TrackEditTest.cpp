@@ -119,6 +119,7 @@ TEST_F(TrackEdit, NamesAreConvertedAndCutToTheirFields) {
   ASSERT_NE(setlocale(LC_CTYPE, "en_US.ISO-8859-1"), nullptr) << "test locale missing";
   auto t = Empty();
   Fw fw;
+  EXPECT_EQ(std::string(fw.NomeXDevice, 28), std::string(28, '\0'));  // a new record's name is empty
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
   ASSERT_TRUE(t->AddTagInfoVariante(std::string(300, 'p'), std::string(40, 'd'), fw, Idx()));
   ASSERT_TRUE(t->AddTagInfoVariante("\xE8", "", fw, Idx()));
@@ -173,8 +174,7 @@ TEST_F(TrackEdit, AttributesOfTheMainVariant) {
   t->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
   EXPECT_EQ(t->GetTimeZone() * 100 + t->GetDeltaMin(), -470);
   EXPECT_EQ(t->GetTrackAnglePlot(), 12.5f);
-  EXPECT_EQ(t->OttieniStringaxTrackTypeCircuitKey(), "Rally");
-  EXPECT_FALSE(t->IsTrackChiuso());
+  EXPECT_EQ(t->OttieniStringaxTrackTypeCircuitKey() + (t->IsTrackChiuso() ? " closed" : ""), "Rally");
   EXPECT_TRUE(t->HasShape());
   t->RemoveShape();
   EXPECT_FALSE(t->HasShape());
@@ -319,7 +319,7 @@ TEST_F(TrackEdit, LengthKeyIsTheStandardLengthBelow) {
   for (const auto& c : cases)
     EXPECT_EQ(CDistanceCalculator::GetLunghezzaFrazionaria(c.first), c.second) << c.first;
   // Setting key and length together: a known key gives its whole metres.
-  const double rows[][4] = {{5364481, 999.0, 5364481, 536.0}, {16093445, NAN, 16093445, 1609.0},
+  const double rows[][4] = {{12070083, 999.0, 12070083, 1207.0}, {16093445, NAN, 16093445, 1609.0},
                             {12345, 777.5, 0, 777.5},  // not a key: the length counts
                             {0, 12.25, 0, 12.25},      {NAN, 3.5, 0, 3.5},
                             {12345, NAN, 0, 0.0},      {NAN, NAN, 0, 0.0}};  // key, metres, stored key, stored metres
@@ -388,6 +388,7 @@ TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
   dev->TrasformaPistaInVek();  // a toggle of bit 47
   EXPECT_EQ(uint64_t{dev->GetTagInfo()->InfoFw.Guid.Valore}, source.Guid.Valore ^ (1ull << 47));
 
+  EXPECT_FALSE(Empty(false, true)->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));  // nothing to convert
   auto maker = fixtures::MakeSmallTrack();
   EXPECT_FALSE(maker->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));
   EXPECT_EQ(Reports(), std::vector<std::string>{"ERROR La pista e' gia' Vek"});

@@ -2,6 +2,7 @@
 // logos beside the track, names and offsets), saving (round trips, generated
 // names), and a golden file composed byte by byte from
 // docs/track-file-format.md without the library's records or encoder.
+#include <dirent.h>
 #include <gtest/gtest.h>
 #include <stdio.h>
 #include <string.h>
@@ -209,6 +210,7 @@ TEST_F(TrackFile, MalformedButReadableFiles) {
     const char* what;
     Bytes bytes;
     size_t variants;
+    Bytes image = {};  // of the main variant's logo
   } const cases[] = {
       {"unknown tag", FileBuilder().Info().Atom("zzz", named.data(), 256).Fw().Idx().bytes, 1},
       {"V_sw of wrong size", FileBuilder().Info().Fw().Atom("V_sw", "x", 1).Idx().bytes, 1},
@@ -221,7 +223,7 @@ TEST_F(TrackFile, MalformedButReadableFiles) {
       {"only the file info", FileBuilder().Info().bytes, 0},
       {"large unknown atom", FileBuilder().Info().Atom("zzz", Bytes(40000, 1).data(), 40000).Fw().Idx().bytes, 1},
       {"logo name longer than the read buffer",
-       FileBuilder().Info().Logo(std::string(20000, 'n'), Bytes(20, 1)).Fw().Idx(0xFFFF, 0).bytes, 1},
+       FileBuilder().Info().Logo(std::string(20000, 'n'), Bytes(20, 1)).Fw().Idx(0xFFFF, 0).bytes, 1, Bytes(20, 1)},
   };
   for (bool plain : {false, true})
     for (const Case& c : cases) {
@@ -232,6 +234,7 @@ TEST_F(TrackFile, MalformedButReadableFiles) {
       ASSERT_EQ(track->GetTagsInfoVarianti().size(), c.variants);
       if (c.variants > 0) {
         EXPECT_EQ(track->GetNomePista(), "");
+        EXPECT_EQ(track->GetTrackLogoBuffer() ? track->GetTrackLogoBuffer()->Dati : Bytes{}, c.image);
       }
     }
 }
@@ -362,8 +365,16 @@ long ResidentKb() {
   return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
+size_t OpenFiles() {
+  size_t n = 0;
+  DIR* d = opendir("/proc/self/fd");
+  while (d != nullptr && readdir(d) != nullptr) ++n;
+  if (d != nullptr) closedir(d);
+  return n;
+}
+
 // With the host's allocator as it comes, a process that reads and saves a
-// 1 MB track over and over keeps the same resident memory.
+// 1 MB track over and over keeps the same resident memory, and no file open.
 TEST_F(TrackFile, ReadingAndSavingInALoopKeepsResidentMemoryFlat) {
 #if defined(__SANITIZE_ADDRESS__)
   GTEST_SKIP() << "AddressSanitizer keeps freed memory in quarantine";
@@ -382,8 +393,10 @@ TEST_F(TrackFile, ReadingAndSavingInALoopKeepsResidentMemoryFlat) {
   };
   for (int i = 0; i < 20; ++i) round();
   const long before = ResidentKb();
+  const size_t files = OpenFiles();
   for (int i = 0; i < 100; ++i) round();
   EXPECT_LT(ResidentKb() - before, 1024) << "KB more resident after 100 rounds";
+  EXPECT_EQ(OpenFiles(), files);
 }
 
 // Saved through either container, read back through either, or by an object
@@ -453,6 +466,26 @@ TEST_F(TrackFile, GeneratedNamesNeverReplaceATrack) {
     EXPECT_EQ(read->IsVekTrack(), c[2]);
     EXPECT_EQ(Contents(*read), Contents(*first));
   }
+  // A dangling link under a free-looking name is left alone: the track is
+  // composed afresh for the next name.
+  fixtures::TempDir dir;
+  std::unique_ptr<CFileTkk> track = fixtures::MakeRandomTrack(3);
+  track->AddTagDatiLogo(Bytes(20, 1), "a.png");
+  std::string names[2];
+  for (int i = 0; i < 2; ++i) {
+    fakeclock::Freeze(fakeclock::Utc(2026, 11, 22, 10, 0, 0));
+    fakeclock::QueueRand({0x105});
+    names[i] = track->SalvaFileInPath(dir.path(), nullptr);
+    fakeclock::Reset();
+    const std::string first = dir.path() + names[0] + ".tkk";
+    ASSERT_EQ(0, i > 0 ? 0 : unlink(first.c_str()) + symlink("nowhere", first.c_str()));
+  }
+  ASSERT_NE(names[0], names[1]);
+  struct stat st;
+  EXPECT_TRUE(lstat((dir.path() + names[0] + ".tkk").c_str(), &st) == 0 && S_ISLNK(st.st_mode));
+  std::unique_ptr<CFileTkk> read = Open(dir.path() + names[1] + ".tkk");
+  EXPECT_EQ(Contents(*read), Contents(*track));
+  EXPECT_EQ(SaveIn(*read, dir_.path()), SaveIn(*track, dir_.path()));
 }
 
 TEST_F(TrackFile, LogosOfNineBytesOrLessAreNotSaved) {
