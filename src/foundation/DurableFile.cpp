@@ -66,16 +66,16 @@ bool SincronizzaCartella(const std::string& dir) {
 // path it names, which the save then creates.
 bool SeguiCollegamenti(const std::string& path, std::string& fine) {
   fine = path;
-  for (int salti = 0; salti < kMassimoCollegamenti; ++salti) {
+  for (int salti = 0;; ++salti) {
     struct stat st;
     if (lstat(fine.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) return true;
+    if (salti == kMassimoCollegamenti) return false;
     char destinazione[PATH_MAX];
     const ssize_t n = readlink(fine.c_str(), destinazione, sizeof destinazione);
     if (n <= 0 || static_cast<size_t>(n) >= sizeof destinazione) return false;
     const std::string collegato(destinazione, static_cast<size_t>(n));
     fine = collegato[0] == '/' ? collegato : CartellaDi(fine) + collegato;
   }
-  return false;
 }
 
 enum class Bersaglio { Assente, Scrivibile, Rifiutato };
