@@ -136,12 +136,13 @@ TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
   }
 }
 
-// Text fields escape ";", "%", control bytes and bad UTF-8; bit fields of the
+// Text fields escape ";", "%", control bytes and bad UTF-8 (surrogates,
+// beyond U+10FFFF); bit fields of the
 // GUID and the date are split; records sort by country, then name.
 TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   fixtures::TempDir dir;
-  _SDatoRiassuntivo r = Rec("Mon;za 100%\xC3\x89\xFF\n", "ITA", 456200000, 92800000, 0x0001800000001234ull, "0k3f9zq1",
-                            7u | 5u << 6 | 14u << 12 | 30u << 17 | 4u << 22 | 9u << 26 | 1u << 31);
+  _SDatoRiassuntivo r = Rec("Mon;za 100%\xC3\x89\xFF\n\xED\xA0\x80\xF4\x90\x80\x80", "ITA", 456200000, 92800000,
+                            0x0001800000001234ull, "0k3f9zq1", 7u | 5u << 6 | 14u << 12 | 30u << 17 | 4u << 22 | 9u << 26 | 1u << 31);
   r.RifAlt = -12000;
   r.Length = 5793.456f;
   r.BeaconNumber = 3;
@@ -158,7 +159,7 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   EXPECT_EQ(std::string(text.begin(), text.end()),
             "Name;Country;State;RifLat;RIfLon;RifAlt;Length;BeaconNumber;BeaconType;VariantIdx;FileName;Guid;Date;"
             "OffsetFw;OffsetPti;Dummy\nB;FRA;;0;0;0;0.00;0;1;0;aaaaaaaa;0:0:0:0:0:0:0:0:0:0;0:0:0:0:0:0:0;0;0;" +
-                std::string(88, '0') + "\nMon%3Bza 100%25\xC3\x89%FF%0A;ITA;;456200000;92800000;-12000;5793.46;3;2;-1;"
+                std::string(88, '0') + "\nMon%3Bza 100%25\xC3\x89%FF%0A%ED%A0%80%F4%90%80%80;ITA;;456200000;92800000;-12000;5793.46;3;2;-1;"
                 "0k3f9zq1;4660:0:0:0:0:0:0:1:1:0;7:5:14:30:4:9:1;280;1234;ab" + std::string(86, '0') + "\n");
   // A file that cannot be written is reported; each null record too, and skipped.
   EXPECT_FALSE(CFileRiassuntivo::ScriviRiassuntivoTestuale({&r}, dir.path() + "no/t.txt"));

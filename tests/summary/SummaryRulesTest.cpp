@@ -45,6 +45,12 @@ TEST(SummaryOrderings, EachRule) {
     _SDatoRiassuntivo a = c.first, b = c.second;
     EXPECT_EQ(rs::Ordina({&b, &a, nullptr}, c.order), (std::vector<uint32_t>{1, 0, 2}));
   }
+  // Strings without a zero byte up to the end of the record stop there.
+  _SDatoRiassuntivo ff;
+  memset(static_cast<void*>(&ff), 0xFF, sizeof ff);
+  const _SDatoRiassuntivo gg = ff;
+  for (rs::Ordine o : {rs::Ordine::AlfabeticoConNazione, rs::Ordine::AlfabeticoSenzaNazione})
+    EXPECT_FALSE(rs::Precede(o, ff, gg) || rs::Precede(o, gg, ff));
 }
 
 TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
@@ -83,6 +89,8 @@ TEST(SummaryEdit, DeleteAndFindByFileName) {
     EXPECT_EQ(s->DelFileTkk(c.first), c.second) << c.first;
     EXPECT_FALSE(s->IsThisFileTkkHere(c.first)) << c.first;
   }
+  CFileRiassuntivo empty;
+  EXPECT_EQ(empty.DelFileTkk("aaaaaaaa") + empty.IsThisFileTkkHere("aaaaaaaa"), 0);
 }
 
 TEST(SummaryEdit, GuidAndVariantFinders) {

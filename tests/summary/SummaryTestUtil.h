@@ -51,20 +51,17 @@ inline fixtures::Bytes BytesOf(std::initializer_list<const _SDatoRiassuntivo*> r
 
 // The five lists of a comparison as (list, file name) pairs, list by list.
 using Pairs = std::vector<std::pair<int, std::string>>;
-inline Pairs Flat(const SConfrontoPiste& c) {
+inline const std::string& NameOf(const std::string& name) { return name; }
+inline const std::string& NameOf(const SPistaEstesa& track) { return track.NomeFileTkk; }
+template <typename Result>
+Pairs Flat(const Result& c) {
   Pairs out;
-  const std::vector<std::string>* lists[] = {&c.PisteUguali, &c.PisteQuiPiuRecenti, &c.PisteAltrovePiuRecenti,
-                                             &c.PisteSoloQui, &c.PisteSoloAltrove};
-  for (int l = 0; l < 5; ++l)
-    for (const std::string& name : *lists[l]) out.emplace_back(l, name);
-  return out;
-}
-inline Pairs Flat(const SConfrontoPisteEsteso& c) {
-  Pairs out;
-  const std::vector<SPistaEstesa>* lists[] = {&c.PisteUguali, &c.PisteQuiPiuRecenti, &c.PisteAltrovePiuRecenti,
-                                              &c.PisteSoloQui, &c.PisteSoloAltrove};
-  for (int l = 0; l < 5; ++l)
-    for (const SPistaEstesa& p : *lists[l]) out.emplace_back(l, p.NomeFileTkk);
+  int l = 0;
+  for (const auto* list : {&c.PisteUguali, &c.PisteQuiPiuRecenti, &c.PisteAltrovePiuRecenti, &c.PisteSoloQui,
+                           &c.PisteSoloAltrove}) {
+    for (const auto& track : *list) out.emplace_back(l, NameOf(track));
+    ++l;
+  }
   return out;
 }
 

@@ -49,16 +49,21 @@ std::unique_ptr<IFileTkk> Square(const char* name, double lat, double lon, size_
   return BuildTrack(c, NewTrackOptions());
 }
 
-// Monza (two layouts) and Imola as track files in `dir`, with a file that is
-// not a track and a map that is not a .tkk.
-std::vector<std::string> TwoTracks(const TempDir& dir) {
-  std::vector<std::unique_ptr<IFileTkk>> tracks;
-  tracks.push_back(Square("Monza", 45.62, 9.28, 2));
-  tracks.push_back(Square("Imola", 44.34, 11.71, 1));
-  dir.Write("zz-broken.tkk", "not a track");
-  dir.Write("notes.txt", "x");
-  return SaveTracks(tracks, dir.path);
-}
+// Monza (two layouts, a name to escape) and Imola saved as track files, with
+// a file that is not a track and a map that is not a .tkk.
+class TwoTracks : public testing::Test {
+ protected:
+  std::vector<std::string> Save() {
+    std::vector<std::unique_ptr<IFileTkk>> tracks;
+    tracks.push_back(Square("Monza & <Co>", 45.62, 9.28, 2));
+    tracks.push_back(Square("Imola", 44.34, 11.71, 1));
+    dir.Write("zz-broken.tkk", "not a track");
+    dir.Write("notes.txt", "x");
+    return SaveTracks(tracks, dir.path);
+  }
+  TempDir dir;
+  const std::vector<std::string> saved = Save();
+};
 
 _SDatoRiassuntivo Record(const char* file, short variant, const char* name, uint32_t date) {
   _SDatoRiassuntivo r;
@@ -89,7 +94,12 @@ TEST(TrackFiles, SavedTracksReopenAndUnreadableOnesAreBadInput) {
   const auto back = OpenTrack(written[0]);
   EXPECT_EQ(back->GetVariantiTrack().size(), 2u);
   EXPECT_EQ(back->GetNomePista(), "L0");
-  EXPECT_THROW(SaveTracks(tracks, dir.path + "/missing"), BadInput);
+  try {
+    SaveTracks(tracks, dir.path + "/missing");
+    ADD_FAILURE();
+  } catch (const BadInput& e) {
+    EXPECT_EQ(std::string(e.what()), dir.path + "/missing: output folder does not exist");
+  }
   const std::string bytes = dir.Read(written[0].substr(dir.path.size() + 1));
   for (const std::string& bad : {dir.Write("cut.tkk", bytes.substr(0, bytes.size() - 5)), dir.Write("empty.tkk", ""),
                                  dir.path, dir.path + "/none.tkk"})
@@ -107,9 +117,8 @@ TEST(SummaryInput, DegreesAndSummaryFiles) {
     EXPECT_THROW(OpenSummary(bad), BadInput) << bad;
 }
 
-TEST(BuildSummary, TracksInNameOrderVariantByVariantAndUnreadableOnesListed) {
-  TempDir dir, out, none;
-  const std::vector<std::string> saved = TwoTracks(dir);
+TEST_F(TwoTracks, SummaryHoldsThemInNameOrderVariantByVariantAndListsUnreadableOnes) {
+  TempDir out, none;
   std::vector<size_t> progress;
   const SummaryBuild build = BuildSummary(dir.path, [&](size_t done, size_t total) { progress.push_back(done * total); });
   EXPECT_EQ(progress, (std::vector<size_t>{3, 6, 9}));
@@ -131,6 +140,7 @@ TEST(BuildSummary, TracksInNameOrderVariantByVariantAndUnreadableOnesListed) {
   for (const std::string& name : SummarySetFiles()) EXPECT_FALSE(out.Read(name).empty()) << name;
   EXPECT_EQ(OpenSummary(out.path + "/by-guid.bin")->GetNumRiassuntivi(), 3);
   EXPECT_THROW(WriteSummarySet(*std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMe()), none.path), BadInput);
+  EXPECT_NO_THROW(WriteSummarySet(*OpenSummary(none.Write("one.bin", std::string(128, '\0'))), none.path));
   EXPECT_THROW(BuildSummary(dir.path + "/notes.txt"), BadInput);
 }
 
@@ -152,9 +162,7 @@ TEST(ListSummary, EveryRecordInItsOrderAndAsATable) {
   EXPECT_EQ(text.substr(text.size() - 11), "2 variants\n");
 }
 
-TEST(NearestTracks, NearestFirstWithinReachAndLimited) {
-  TempDir dir;
-  TwoTracks(dir);
+TEST_F(TwoTracks, NearestFirstWithinReachAndLimited) {
   const SummaryBuild build = BuildSummary(dir.path);
   NearestQuery query;
   query.lat = 44.5;
@@ -224,14 +232,9 @@ TEST(StagedFolder, FilesAppearTogetherOrNotAtAll) {
   EXPECT_THROW(StagedFolder(out.path + "/missing"), BadInput);
 }
 
-// Rows in the summary's order (Fish saved first) come out by nation, site
+// Rows in the summary's order (Monza saved first) come out by nation, site
 // and variant; names are escaped and the page runs no script.
-TEST(CataloguePage, ARowAndAPicturePerVariantNamesEscapedNoScript) {
-  TempDir dir;
-  std::vector<std::unique_ptr<IFileTkk>> tracks;
-  tracks.push_back(Square("Fish & <Chips>", 52.07, -1.02, 2));
-  tracks.push_back(Square("Abbey", 52.07, -1.02, 1));
-  SaveTracks(tracks, dir.path);
+TEST_F(TwoTracks, CataloguePageHasARowAndAPicturePerVariantNamesEscapedNoScript) {
   const SummaryBuild build = BuildSummary(dir.path);
   std::vector<CatalogueRow> rows;
   for (const SummarisedTrack& track : build.tracks) {
@@ -251,10 +254,11 @@ TEST(CataloguePage, ARowAndAPicturePerVariantNamesEscapedNoScript) {
   };
   EXPECT_EQ(page.rfind("<!DOCTYPE html>", 0), 0u);
   EXPECT_EQ(count("<tr class=\"variant\"") + count("<svg") + count("href=\"x.geojson\""), 9u);
-  const size_t fish = page.find("\"name\">Fish");
-  EXPECT_LT(page.find("\"name\">Abbey<"), fish);
-  EXPECT_LT(page.find(">L0 · Race Track<", fish), page.find(">L1 · Race Track<", fish));
-  EXPECT_EQ(count("\"name\">Fish &amp; &lt;Chips&gt;</span>"), 2u);
+  const size_t monza = page.find("\"name\">Monza");
+  EXPECT_LT(page.find("\"name\">Imola<"), monza);
+  EXPECT_LT(page.find(">L0 · Race Track<", monza), page.find(">L1 · Race Track<", monza));
+  EXPECT_EQ(count("\"name\">Monza &amp; &lt;Co&gt;</span>"), 2u);
+  EXPECT_EQ(count("3 variants of 2 track files") + count(" width=\"230\" height=\"181\""), 4u);
   EXPECT_EQ(count("<script") + count("<td />") + count("<div />") + count("<a />"), 0u);  // HTML has no <x/>
 }
 

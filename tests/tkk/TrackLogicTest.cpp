@@ -185,7 +185,9 @@ TEST(Export, GeoJsonAndGpxReadBackAsTheSameShapes) {
   const auto track = BuildTrack(circuit, NewTrackOptions());
   const Circuit json = ParseGeoJson(ExportTrack(*track, ExportFormat::kGeoJson), "e.geojson");
   EXPECT_EQ(json.name + "/" + json.nation, "Sample & <Co>/GB");
-  for (const Circuit& back : {json, ParseGpx(ExportTrack(*track, ExportFormat::kGpx), "e.gpx")}) {
+  const std::string gpx = ExportTrack(*track, ExportFormat::kGpx);
+  EXPECT_NE(gpx.find("<type>finish</type>"), std::string::npos);
+  for (const Circuit& back : {json, ParseGpx(gpx, "e.gpx")}) {
     ASSERT_EQ(back.layouts.size(), 2u);
     for (size_t i = 0; i < 2; ++i) {
       const Layout &a = circuit.layouts[i], &b = back.layouts[i];
@@ -211,6 +213,10 @@ TEST(Export, KmlHasAFolderEachForOutlinesReferencesAndLines) {
   std::istringstream coordinates(document.child("Folder").child("Placemark").child("LineString").child_value("coordinates"));
   EXPECT_EQ(std::distance(std::istream_iterator<std::string>(coordinates), {}), 4);
   EXPECT_STREQ(document.child("name").text().as_string(), "Sample & <Co>");
+  std::string data;
+  for (const pugi::xml_node& d : document.child("Folder").child("Placemark").child("ExtendedData").children("Data"))
+    data += std::string(d.attribute("name").value()) + "=" + d.child_value("value") + ";";
+  EXPECT_EQ(data, "site=Sample & <Co>;device=GP;nation=GB;state=;type=Race Track;length=3592;");
 }
 
 TEST(Render, DrawsTheOutlineLinesAndLabelsOnThePicture) {
@@ -220,22 +226,21 @@ TEST(Render, DrawsTheOutlineLinesAndLabelsOnThePicture) {
   const pugi::xml_node svg = doc.child("svg");
   EXPECT_STREQ(svg.child("title").text().as_string(), "Sample & <Co> – National");
   EXPECT_TRUE(svg.find_child_by_attribute("line", "stroke", "#d01010"));  // the finish line
-  std::istringstream outline(svg.find_child_by_attribute("path", "stroke", "#3a3a3a").attribute("d").value());
-  size_t points = 0;
-  for (std::string step; outline >> step;) {
-    if (step == "Z") continue;
-    const double x = std::stod(step.substr(1)), y = std::stod(step.substr(step.find(',') + 1));
-    EXPECT_TRUE(x > 40 && x < 760 && y > 90 && y < 720) << step;
-    ++points;
-  }
-  EXPECT_EQ(points, 3u);
-  std::string labels = ";";
-  for (const pugi::xml_node& text : svg.children("text")) {
-    EXPECT_TRUE(text.attribute("x").as_double() > 0 && text.attribute("x").as_double() < 800);
-    labels += std::string(text.child_value()) + ";";
-  }
-  EXPECT_NE(labels.find(";Finish;"), std::string::npos) << labels;
-  EXPECT_EQ(Count(svg.children("polygon")), 6u);
+  // Where the outline, the labels, the scale bar and the arrows go: the
+  // picture as drawn.
+  std::string labels, arrows;
+  for (const pugi::xml_node& text : svg.children("text"))
+    labels += std::string(text.child_value()) + "@" + text.attribute("x").value() + "," + text.attribute("y").value() + ";";
+  for (const pugi::xml_node& arrow : svg.children("polygon")) arrows += std::string(arrow.attribute("transform").value()) + ";";
+  EXPECT_EQ(labels, "Finish@250.6,685.6;Sample & <Co> – National@40.0,48.0;GB  ·  2.875 km  ·  Race Track@40.0,76.0;"
+                    "N ↑@760.0,48.0;200 m@143.3,730.0;Azimuthal equidistant projection about the reference point "
+                    "52.07500, -1.01693@40.0,770.0;");
+  EXPECT_EQ(arrows, "translate(325.7,598.0) rotate(-39.1);translate(502.8,453.9) rotate(-39.1);translate(445.9,309.8) "
+                    "rotate(-140.9);translate(268.8,165.7) rotate(-140.9);translate(237.1,327.5) rotate(90.0);"
+                    "translate(237.1,555.8) rotate(90.0);");
+  EXPECT_STREQ(svg.find_child_by_attribute("path", "stroke", "#3a3a3a").attribute("d").value(),
+               "M237.1,670.0 L562.9,405.0 L237.1,140.0 Z");
+  EXPECT_STREQ(svg.find_child_by_attribute("path", "stroke", "#333333").attribute("d").value(), "M40,724.0 V730.0 H135.3 V724.0");
   EXPECT_THROW(RenderSvg(*track, 2), BadInput);
   const std::pair<double, double> bars[] = {{0.0, 1.0}, {1.0, 1.0}, {480.0, 200.0}, {999.0, 500.0}, {1000.0, 1000.0}};
   for (const auto& b : bars) EXPECT_EQ(ScaleBarLength(b.first), b.second) << b.first;
