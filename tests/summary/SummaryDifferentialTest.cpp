@@ -26,6 +26,7 @@ Lista RandomList(std::mt19937& rng, size_t n, bool nulls) {
             spot / 2 + static_cast<int32_t>(rng() % 20000), rng() % 4 * 0x100000000ull + rng() % 3, file.c_str(),
             (static_cast<uint32_t>(rng() % 4) * 5u << 26) + static_cast<uint32_t>(rng() % 2));
     r.Dummy[0] = static_cast<unsigned char>(rng() % 2);
+    if (rng() % 3 == 0) memcpy(r.State, "ABCD", 4);  // strings running on into the latitude
   }
   Lista list;
   for (size_t i = 0; i < n; ++i)

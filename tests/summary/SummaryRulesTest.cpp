@@ -13,8 +13,8 @@ namespace rs = vektkk::riassunto;
 
 namespace {
 
-_SDatoRiassuntivo Full(const char* name, const char* country, const char* state) {
-  _SDatoRiassuntivo r = Rec(name, country);
+_SDatoRiassuntivo Full(const char* name, const char* country, const char* state, int32_t lat = 0) {
+  _SDatoRiassuntivo r = Rec(name, country, lat);
   memcpy(r.State, state, strnlen(state, 4));
   return r;
 }
@@ -29,6 +29,7 @@ TEST(SummaryOrderings, EachRule) {
       {"empty country first", rs::Ordine::AlfabeticoConNazione, Rec("Zeta", ""), Rec("Alfa", "AUT")},
       {"same country, by name", rs::Ordine::AlfabeticoConNazione, Rec("Alfa", "ITA"), Rec("Beta", "ITA")},
       {"country into state", rs::Ordine::AlfabeticoConNazione, Full("Z", "ITAL", "A"), Full("A", "ITAL", "B")},
+      {"country into latitude", rs::Ordine::AlfabeticoConNazione, Full("Z", "ITAL", "ABCD", 1), Full("A", "ITAL", "ABCD", 2)},
       {"name into country", rs::Ordine::AlfabeticoSenzaNazione, Full(full28.c_str(), "A", ""),
        Full(full28.c_str(), "B", "")},
       {"bytes above 127 after ASCII", rs::Ordine::AlfabeticoSenzaNazione, Rec("zz"), Rec("\xC3\x89tretat")},
@@ -87,6 +88,9 @@ TEST(SummaryEdit, DeleteAndFindByFileName) {
     std::unique_ptr<CFileRiassuntivo> s = Summary({&a, &b, &zero, &a, &a});
     EXPECT_EQ(s->IsThisFileTkkHere(c.first), c.second < 5) << c.first;
     EXPECT_EQ(s->DelFileTkk(c.first), c.second) << c.first;
+    std::vector<const _SDatoRiassuntivo*> left;
+    s->GetDatiRiassuntivi(left);
+    EXPECT_EQ(left.size(), static_cast<size_t>(c.second)) << c.first;
     EXPECT_FALSE(s->IsThisFileTkkHere(c.first)) << c.first;
   }
   CFileRiassuntivo empty;

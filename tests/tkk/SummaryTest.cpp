@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
 
 #include "BadInput.h"
@@ -44,7 +45,7 @@ std::unique_ptr<IFileTkk> Square(const char* name, double lat, double lon, size_
   c.nation = "IT";
   for (size_t i = 0; i < layouts; ++i) {
     const double d = 0.004 / static_cast<double>(i + 1);
-    c.layouts.push_back({"L" + std::to_string(i), {{lat, lon}, {lat, lon + d}, {lat + d, lon + d}, {lat + d, lon}}});
+    c.layouts.push_back({layouts == 1 ? "" : "L" + std::to_string(i), {{lat, lon}, {lat, lon + d}, {lat + d, lon + d}, {lat + d, lon}}});
   }
   return BuildTrack(c, NewTrackOptions());
 }
@@ -64,6 +65,17 @@ class TwoTracks : public testing::Test {
   TempDir dir;
   const std::vector<std::string> saved = Save();
 };
+
+// The message of the bad input `f` throws, or "" when it throws none.
+template <typename F>
+std::string Why(F f) {
+  try {
+    f();
+  } catch (const BadInput& e) {
+    return e.what();
+  }
+  return "";
+}
 
 _SDatoRiassuntivo Record(const char* file, short variant, const char* name, uint32_t date) {
   _SDatoRiassuntivo r;
@@ -94,12 +106,8 @@ TEST(TrackFiles, SavedTracksReopenAndUnreadableOnesAreBadInput) {
   const auto back = OpenTrack(written[0]);
   EXPECT_EQ(back->GetVariantiTrack().size(), 2u);
   EXPECT_EQ(back->GetNomePista(), "L0");
-  try {
-    SaveTracks(tracks, dir.path + "/missing");
-    ADD_FAILURE();
-  } catch (const BadInput& e) {
-    EXPECT_EQ(std::string(e.what()), dir.path + "/missing: output folder does not exist");
-  }
+  for (const std::string& notADir : {dir.path + "/missing", written[0]})
+    EXPECT_EQ(Why([&] { SaveTracks(tracks, notADir); }), notADir + ": output folder does not exist");
   const std::string bytes = dir.Read(written[0].substr(dir.path.size() + 1));
   for (const std::string& bad : {dir.Write("cut.tkk", bytes.substr(0, bytes.size() - 5)), dir.Write("empty.tkk", ""),
                                  dir.path, dir.path + "/none.tkk"})
@@ -110,6 +118,7 @@ TEST(SummaryInput, DegreesAndSummaryFiles) {
   EXPECT_EQ(ParseDegrees("-90", "latitude", 90) + ParseDegrees("180", "longitude", 180), 90.0);
   for (const char* bad : {"", "abc", "45x", "90.0001", "-91", "nan", "inf", "1e400", " "})
     EXPECT_THROW(ParseDegrees(bad, "latitude", 90), BadInput) << bad;
+  EXPECT_EQ(Why([] { ParseDegrees("-91", "latitude", 90); }), "latitude -91 is out of range (-90 to 90)");
   TempDir dir;
   EXPECT_EQ(OpenSummary(dir.Write("empty.bin", ""))->GetNumRiassuntivi(), 0);
   EXPECT_EQ(OpenSummary(dir.Write("two.bin", std::string(256, '\0')))->GetNumRiassuntivi(), 2);
@@ -169,7 +178,7 @@ TEST_F(TwoTracks, NearestFirstWithinReachAndLimited) {
   query.lon = 11.0;  // nearer Imola than Monza
   const nlohmann::json all = NearestTracks(*build.summary, query);
   ASSERT_EQ(all.size(), 3u);
-  EXPECT_EQ(all[0]["name"], "L0");
+  EXPECT_EQ(all[0]["name"], "Imola");
   EXPECT_EQ(all[0]["nation"], "IT");
   for (size_t i = 1; i < all.size(); ++i) EXPECT_LE(all[i - 1]["distanceM"], all[i]["distanceM"]);
   EXPECT_NEAR(all[0]["distanceM"].get<double>(), HaversineM({44.5, 11.0, 0}, {all[0]["lat"], all[0]["lon"], 0}), 0.1);
@@ -178,6 +187,9 @@ TEST_F(TwoTracks, NearestFirstWithinReachAndLimited) {
   query.withinM = static_cast<int>(all[0]["distanceM"].get<double>()) + 1;
   EXPECT_EQ(NearestTracks(*build.summary, query).size(), 1u);
   query.withinM = 0;
+  const std::string text = NearestText(all);
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 4);
+  EXPECT_EQ(text.find('.'), std::string::npos) << text;  // whole metres
   EXPECT_EQ(NearestText(NearestTracks(*build.summary, query)), "no track within reach\n");
 }
 
@@ -259,7 +271,7 @@ TEST_F(TwoTracks, CataloguePageHasARowAndAPicturePerVariantNamesEscapedNoScript)
   EXPECT_LT(page.find(">L0 · Race Track<", monza), page.find(">L1 · Race Track<", monza));
   EXPECT_EQ(count("\"name\">Monza &amp; &lt;Co&gt;</span>"), 2u);
   EXPECT_EQ(count("3 variants of 2 track files") + count(" width=\"230\" height=\"181\""), 4u);
-  EXPECT_EQ(count("<script") + count("<td />") + count("<div />") + count("<a />"), 0u);  // HTML has no <x/>
+  EXPECT_EQ(count("<script") + count("on the logger") + count("<td />") + count("<div />") + count("<a />"), 0u);  // HTML has no <x/>
 }
 
 }  // namespace

@@ -187,11 +187,12 @@ TEST(Export, GeoJsonAndGpxReadBackAsTheSameShapes) {
   EXPECT_EQ(json.name + "/" + json.nation, "Sample & <Co>/GB");
   const std::string gpx = ExportTrack(*track, ExportFormat::kGpx);
   EXPECT_NE(gpx.find("<type>finish</type>"), std::string::npos);
+  EXPECT_NE(gpx.find("<name>Finish line of "), std::string::npos);
   for (const Circuit& back : {json, ParseGpx(gpx, "e.gpx")}) {
     ASSERT_EQ(back.layouts.size(), 2u);
     for (size_t i = 0; i < 2; ++i) {
       const Layout &a = circuit.layouts[i], &b = back.layouts[i];
-      EXPECT_EQ(a.name, b.name);
+      EXPECT_EQ(a.name + "/" + circuit.name, b.name + "/" + back.name);
       ASSERT_EQ(a.points.size(), b.points.size());
       for (size_t k = 0; k < a.points.size(); ++k) {
         EXPECT_NEAR(a.points[k].lat, b.points[k].lat, 1e-7);
@@ -242,7 +243,7 @@ TEST(Render, DrawsTheOutlineLinesAndLabelsOnThePicture) {
                "M237.1,670.0 L562.9,405.0 L237.1,140.0 Z");
   EXPECT_STREQ(svg.find_child_by_attribute("path", "stroke", "#333333").attribute("d").value(), "M40,724.0 V730.0 H135.3 V724.0");
   EXPECT_THROW(RenderSvg(*track, 2), BadInput);
-  const std::pair<double, double> bars[] = {{0.0, 1.0}, {1.0, 1.0}, {480.0, 200.0}, {999.0, 500.0}, {1000.0, 1000.0}};
+  const std::pair<double, double> bars[] = {{0.0, 1.0}, {1.0, 1.0}, {480.0, 200.0}, {999.0, 500.0}, {200.0, 200.0}, {1000.0, 1000.0}};
   for (const auto& b : bars) EXPECT_EQ(ScaleBarLength(b.first), b.second) << b.first;
 }
 
