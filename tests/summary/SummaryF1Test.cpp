@@ -60,17 +60,15 @@ std::string SaveCircuit(const nlohmann::json& feature, const std::string& dir) {
 }
 
 TEST(SummaryF1, CircuitsThroughTheSummary) {
+  if (access((kData + "/f1-locations.json").c_str(), R_OK) != 0)
+    GTEST_SKIP() << "no f1 circuit outlines at " << kData << " (set VEKTKK_F1_DATA)";
   fixtures::TempDir dir;
   std::map<std::string, std::string> fileOf;  // circuit id -> track file name
   CFileRiassuntivo summary;
-  if (access((kData + "/f1-locations.json").c_str(), R_OK) != 0)
-    GTEST_SKIP() << "no f1 circuit outlines at " << kData << " (set VEKTKK_F1_DATA)";
   const nlohmann::json locations = Load(kData + "/f1-locations.json");
   ASSERT_FALSE(locations.empty());
   for (const nlohmann::json& loc : locations) {
-    const std::string id = loc["id"];
-    const nlohmann::json circuit = Load(kData + "/circuits/" + id + ".geojson");
-    const std::string name = SaveCircuit(circuit["features"][0], dir.path());
+    const std::string id = loc["id"], name = SaveCircuit(Load(kData + "/circuits/" + id + ".geojson")["features"][0], dir.path());
     ASSERT_EQ(name.size(), 8u) << id;
     fileOf[id] = name;
     std::unique_ptr<IFileTkk> track(IFileTkk::CreateMeUponFile(dir.path() + name + ".tkk", true, true));
@@ -78,31 +76,28 @@ TEST(SummaryF1, CircuitsThroughTheSummary) {
   }
   const int n = static_cast<int>(locations.size());
   ASSERT_EQ(summary.GetNumRiassuntivi(), n);
-
   using Set = bool (IFileRiassuntivo::*)(const std::string&, const std::string&, const std::string&);
-  const std::pair<Set, vektkk::riassunto::Ordine> sets[] = {
-      {&IFileRiassuntivo::CreaFileAlfabSortedSenzaNazione, vektkk::riassunto::Ordine::AlfabeticoSenzaNazione},
-      {&IFileRiassuntivo::CreaFileAlfabSortedConNazione, vektkk::riassunto::Ordine::AlfabeticoConNazione},
-      {&IFileRiassuntivo::CreaFileLatLonSorted, vektkk::riassunto::Ordine::LatLon},
-      {&IFileRiassuntivo::CreaFileGuidSorted, vektkk::riassunto::Ordine::Guid}};
+  namespace rs = vektkk::riassunto;
+  const std::pair<Set, rs::Ordine> sets[] = {{&IFileRiassuntivo::CreaFileAlfabSortedSenzaNazione, rs::Ordine::AlfabeticoSenzaNazione},
+                                             {&IFileRiassuntivo::CreaFileAlfabSortedConNazione, rs::Ordine::AlfabeticoConNazione},
+                                             {&IFileRiassuntivo::CreaFileLatLonSorted, rs::Ordine::LatLon},
+                                             {&IFileRiassuntivo::CreaFileGuidSorted, rs::Ordine::Guid}};
   for (const auto& set : sets) {
     const std::string p = dir.path() + "set";
     ASSERT_TRUE((summary.*set.first)(p + ".rsm", p + ".i2", p + ".i3"));
     EXPECT_EQ(fixtures::ReadAll(p + ".i2").size(), 2u * static_cast<size_t>(n));
     std::unique_ptr<IFileRiassuntivo> back(IFileRiassuntivo::CreateMeUponFile(p + ".rsm"));
-    ASSERT_EQ(back->GetNumRiassuntivi(), n);
     std::vector<const _SDatoRiassuntivo*> records;
     back->GetDatiRiassuntivi(records);
-    for (size_t i = 1; i < records.size(); ++i)
-      EXPECT_FALSE(vektkk::riassunto::Precede(set.second, *records[i], *records[i - 1]));
+    ASSERT_EQ(records.size(), static_cast<size_t>(n));
+    for (size_t i = 1; i < records.size(); ++i) EXPECT_FALSE(rs::Precede(set.second, *records[i], *records[i - 1]));
   }
-
   for (const nlohmann::json& loc : locations) {
     std::vector<int> found;
     summary.getNearestTracksByHeaversine(loc["lat"].get<double>(), loc["lon"].get<double>(), 5000, found);
-    bool hit = false;
-    for (int i : found) hit = hit || summary.Lista()[static_cast<size_t>(i)]->GetNomeFile() == fileOf[loc["id"]];
-    EXPECT_TRUE(hit) << loc["id"];
+    EXPECT_TRUE(std::any_of(found.begin(), found.end(), [&](int i) {
+      return summary.Lista()[static_cast<size_t>(i)]->GetNomeFile() == fileOf[loc["id"]];
+    })) << loc["id"];
   }
 }
 
