@@ -5,22 +5,18 @@
 #include <vector>
 
 // A recording stand-in for the four eventlog calls the library makes, linked
-// into unit-test executables in place of libevtlog. It also defines the
-// host's two globals (context and mutex), as a host does.
+// into unit-test executables in place of libevtlog (support/Wrappers.cpp).
 namespace evtrec {
 
 struct Event {
   int priority = -1;
   std::string severity;  // the record's description
   std::vector<std::pair<std::string, std::string>> tags;
-  bool mutexHeldAtInit = false;
-  bool logged = false;
+  bool mutexHeldAtInit = false, logged = false;
   std::string Message() const;  // the "msg" tag's text, or ""
 };
-
 // Forgets everything recorded; opens (non-null) or closes (null) the host's context.
 void Reset(bool contextOpen = true);
 const std::vector<Event>& Events();
 
 }  // namespace evtrec
-

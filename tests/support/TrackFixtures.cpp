@@ -13,15 +13,11 @@
 namespace fixtures {
 
 TempDir::TempDir() {
-  const char* base = getenv("TMPDIR");
-  std::string pattern = std::string(base != nullptr && *base != '\0' ? base : "/tmp") + "/vektkk-test-XXXXXX";
+  std::string pattern = std::filesystem::temp_directory_path().string() + "/vektkk-test-XXXXXX";
   if (mkdtemp(&pattern[0]) == nullptr) abort();
   path_ = pattern + "/";
 }
-TempDir::~TempDir() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
+TempDir::~TempDir() { std::error_code ignored; std::filesystem::remove_all(path_, ignored); }
 std::vector<std::string> TempDir::Entries() const {
   std::vector<std::string> names;
   std::error_code ignored;  // a directory already gone has no entries
