@@ -72,10 +72,13 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
     const _SDatoRiassuntivo& r = *s.Lista()[static_cast<size_t>(i)];
     EXPECT_EQ(memcmp(r.Name, fw.NomeXDevice, 28) | memcmp(r.Country, fw.NationCode, 4) |
                   memcmp(r.State, fw.SubNationCode, 4) | memcmp(&r.RifLat, &fw.LatRif, 12), 0);
-    EXPECT_EQ(std::make_tuple(r.Length, unsigned{r.BeaconNumber}, int{r.BeaconType}, r.VariantIdx, r.GetNomeFile(),
-                              r.Guid.Valore, r.Date.Valore, r.OffsetFw, r.OffsetPti),
-              std::make_tuple(fw.Lunghezza, fw.InfoBeacons.GetNumeroSplit(BEACON_IN_USO),
-                              int{fw.InfoBeacons.TipoBeaconInUso}, i, nome, fw.Guid.Valore, fw.DataModifica.Valore,
+    // Copies of the packed fields: a reference to one may be misaligned.
+    EXPECT_EQ(std::make_tuple(float{r.Length}, unsigned{r.BeaconNumber}, int{r.BeaconType}, short{r.VariantIdx},
+                              r.GetNomeFile(), uint64_t{r.Guid.Valore}, uint32_t{r.Date.Valore},
+                              uint32_t{r.OffsetFw}, uint32_t{r.OffsetPti}),
+              std::make_tuple(float{fw.Lunghezza}, fw.InfoBeacons.GetNumeroSplit(BEACON_IN_USO),
+                              int{fw.InfoBeacons.TipoBeaconInUso}, i, nome, uint64_t{fw.Guid.Valore},
+                              uint32_t{fw.DataModifica.Valore},
                               file.GetOffsetDatiFw(i), file.GetOffsetPti(i)));
   }
 }

@@ -127,8 +127,11 @@ TEST_F(TrackEdit, NamesAreConvertedAndCutToTheirFields) {
   EXPECT_EQ(t->GetNomeXDevice(), std::string(28, 'd') + "ITA");
   EXPECT_EQ(std::string(t->GetTagInfoVariante(1)->InfoSw.NomePista, 4), std::string("\xC3\xA8\0\0", 4));
   EXPECT_EQ(std::string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice, 28), std::string(28, '\0'));
+  _STagInfoFileTKK named;  // a full site name reads on into the file's name
+  memcpy(named.GuidNomeFile, "0k3f9zq1", 8);
+  t->SetTagInfoFile("", named);
   t->SetNamexSito(std::string(300, 's'));
-  EXPECT_EQ(t->GetTrackNameCompleto(), std::string(256, 's') + " " + std::string(28, 'd') + "ITA");
+  EXPECT_EQ(t->GetTrackNameCompleto(), std::string(256, 's') + "0k3f9zq1 " + std::string(28, 'd') + "ITA");
   t->SetNationCode("ITALY");
   EXPECT_EQ(t->GetNationCode(), "ITALMB");
   t->SetNationCode("\xC4");
