@@ -23,22 +23,25 @@ namespace {
 using fixtures::Bytes;
 using Fw = _STagInfoVarianteTKK_fw;
 using Idx = _STagIndexesVarianteTKK;
+using Texts = std::vector<std::string>;
 
 std::unique_ptr<CFileTkk> Empty(bool readOnly = false, bool dev = false) {
   return std::unique_ptr<CFileTkk>(static_cast<CFileTkk*>(IFileTkk::CreateMe(readOnly, dev)));
 }
-
+// Indexes naming nothing but `field`.
+Idx With(uint16_t Idx::*field, uint16_t value) {
+  Idx idx;
+  idx.*field = value;
+  return idx;
+}
 _SDatoCoordinateBeacon Line(int32_t lat, int32_t lon, uint32_t width = 0) {
   _SDatoCoordinateBeacon l;
-  l.LatI = lat;
-  l.LonI = lon;
-  l.LarghezzaPista = width;
+  l.LatI = lat, l.LonI = lon, l.LarghezzaPista = width;
   return l;
 }
-
 // The events recorded since the last reset, one "SEVERITY message" each.
-std::vector<std::string> Reports() {
-  std::vector<std::string> out;
+Texts Reports() {
+  Texts out;
   for (const evtrec::Event& e : evtrec::Events()) out.push_back(e.severity + " " + e.Message());
   return out;
 }
@@ -53,15 +56,12 @@ class TrackEdit : public ::testing::Test {
 // Shapes are kept below 8000 points: from 8000 on every second point is
 // kept, from 16000 every third, and so on.
 TEST_F(TrackEdit, ShapesAreThinnedBelow8000Points) {
-  const size_t cases[][3] = {{1, 1, 1}, {7999, 7999, 1}, {8000, 4000, 2}, {15999, 8000, 2},
-                             {16000, 5334, 3}, {24000, 6000, 4}};  // in, kept, stride
+  const size_t cases[][3] = {{1, 1, 1}, {7999, 7999, 1}, {8000, 4000, 2}, {15999, 8000, 2}, {16000, 5334, 3}, {24000, 6000, 4}};  // in, kept, stride
   for (const auto& c : cases) {
     std::vector<_t_s_lla_i> points(c[0]);
     for (size_t i = 0; i < c[0]; ++i) points[i].LatI = static_cast<int32_t>(i);
     auto t = Empty();
-    Idx idx;
-    idx.IdxPunti = t->AddTagDatiPuntiTracciato(points);
-    ASSERT_TRUE(t->AddTagInfoVariante("", "", Fw(), idx));
+    ASSERT_TRUE(t->AddTagInfoVariante("", "", Fw(), With(&Idx::IdxPunti, t->AddTagDatiPuntiTracciato(points))));
     const auto& kept = t->GetTagInfo()->Punti->Punti;
     ASSERT_EQ(kept.size(), c[1]) << c[0];
     for (size_t k = 0; k < kept.size(); ++k) ASSERT_EQ(kept[k].LatI, static_cast<int32_t>(k * c[2]));
@@ -69,21 +69,18 @@ TEST_F(TrackEdit, ShapesAreThinnedBelow8000Points) {
 }
 
 TEST_F(TrackEdit, AddOperationsReturnIndexesThatVariantsMustUse) {
-  auto t = Empty();
-  EXPECT_EQ(t->AddDatiFondoStradale({}) & t->AddTagDatiPuntiTracciato({}) & t->AddTagDatiLogo({}, "a"), 0xFFFF);
-  EXPECT_EQ(t->AddDatiFondoStradale({FONDO_ICE}) + t->AddTagDatiPuntiTracciato({{1, 2, 3}}), 0);
-  EXPECT_EQ(t->AddDatiFondoStradale({FONDO_DIRT, FONDO_WATER}), 1);
-  EXPECT_EQ(t->AddTagDatiLogo({1, 2}, "a.png") + t->AddTagDatiPlus(STagDatiPlus()), 0);
-  EXPECT_EQ(t->AddTagDatiPlus(STagDatiPlus()), 1);
-  for (auto field : {&Idx::IdxFondiStradali, &Idx::IdxPunti, &Idx::IdxLogo, &Idx::IdxDatiPlus}) {
-    Idx idx;  // one past the last entry
-    idx.*field = field == &Idx::IdxPunti || field == &Idx::IdxLogo ? 1 : 2;
-    EXPECT_FALSE(t->AddTagInfoVariante("", "", Fw(), idx));
-  }
+  auto t = Empty();  // empty lists are refused; the braces call in order
+  EXPECT_EQ((std::vector<unsigned>{t->AddDatiFondoStradale({}), t->AddTagDatiPuntiTracciato({}), t->AddTagDatiLogo({}, "a"),
+                                   t->AddDatiFondoStradale({FONDO_ICE}), t->AddTagDatiPuntiTracciato({{1, 2, 3}}),
+                                   t->AddDatiFondoStradale({FONDO_DIRT, FONDO_WATER}), t->AddTagDatiLogo({1, 2}, "a.png"),
+                                   t->AddTagDatiPlus(STagDatiPlus()), t->AddTagDatiPlus(STagDatiPlus())}),
+            (std::vector<unsigned>{0xFFFF, 0xFFFF, 0xFFFF, 0, 0, 1, 0, 0, 1}));
+  for (auto field : {&Idx::IdxFondiStradali, &Idx::IdxPunti, &Idx::IdxLogo, &Idx::IdxDatiPlus})  // one past the last entry
+    EXPECT_FALSE(t->AddTagInfoVariante("", "", Fw(), With(field, field == &Idx::IdxPunti || field == &Idx::IdxLogo ? 1 : 2)));
   EXPECT_TRUE(t->GetTagsInfoVarianti().empty() && evtrec::Events().empty());
   // A user's track always uses the user's beacons; a missing GUID is made
   // with the track's flags, a given one is kept.
-  const bool cases[][3] = {{false, false, true}, {true, false, false}, {false, true, true}};
+  const bool cases[][3] = {{false, false, true}, {true, false, false}, {false, true, true}};  // read only, dev, user's beacons
   for (const auto& c : cases) {
     auto u = Empty(c[0], c[1]);
     Fw fw;
@@ -98,7 +95,8 @@ TEST_F(TrackEdit, AddOperationsReturnIndexesThatVariantsMustUse) {
     ASSERT_TRUE(u->AddTagInfoVariante("", "", fw, Idx()));
     EXPECT_EQ(u->GetGuidVariante(1).Valore + u->GetGuidVariante(2).Valore, 0x1234u);
   }
-  // The main variant linked to the first shape drops its other indexes.
+  // The main variant linked to the first shape drops its other indexes; the
+  // links stay as they were. With nothing to link there is no effect.
   auto s = fixtures::MakeSmallTrack();
   s->AddTagDatiPuntiTracciato({{7, 7, 7}});
   STagsInfoVariante* main = s->GetTagInfo();
@@ -106,9 +104,8 @@ TEST_F(TrackEdit, AddOperationsReturnIndexesThatVariantsMustUse) {
   main->Punti = nullptr;
   s->AssegnaPtrPunti();
   EXPECT_EQ(main->Indici.IdxPunti + main->Indici.IdxFondiStradali, 0xFFFF);
-  EXPECT_EQ(main->Punti->Punti.size(), 3u);
-  EXPECT_NE(main->FondiStradali, nullptr);  // the links stay as they were
-  Empty()->AssegnaPtrPunti();               // nothing to link: no effect
+  EXPECT_TRUE(main->Punti->Punti.size() == 3u && main->FondiStradali != nullptr);
+  Empty()->AssegnaPtrPunti();
 }
 
 // Names are UTF-8 in the records and in the local character set at the
@@ -125,8 +122,8 @@ TEST_F(TrackEdit, NamesAreConvertedAndCutToTheirFields) {
   ASSERT_TRUE(t->AddTagInfoVariante("\xE8", "", fw, Idx()));
   EXPECT_EQ(std::string(t->GetTagInfo()->InfoSw.NomePista, 256), std::string(256, 'p'));
   EXPECT_EQ(t->GetNomeXDevice(), std::string(28, 'd') + "ITA");
-  EXPECT_EQ(std::string(t->GetTagInfoVariante(1)->InfoSw.NomePista, 4), std::string("\xC3\xA8\0\0", 4));
-  EXPECT_EQ(std::string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice, 28), std::string(28, '\0'));
+  EXPECT_EQ(std::string(t->GetTagInfoVariante(1)->InfoSw.NomePista, 4) + std::string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice, 28),
+            std::string("\xC3\xA8\0\0", 4) + std::string(28, '\0'));
   t->SetNamexSito(std::string(300, 's'));
   EXPECT_EQ(t->GetTrackNameCompleto(), std::string(256, 's') + " " + std::string(28, 'd') + "ITA");
   t->SetNationCode("ITALY");
@@ -160,20 +157,17 @@ TEST_F(TrackEdit, AttributesOfTheMainVariant) {
   EXPECT_TRUE(e->GetAuto() && e->GetKart() && e->GetMoto() && e->GetTagsInfoVarianti().empty());
 
   auto t = fixtures::MakeSmallTrack();
-  when.tm_year = 124;
-  when.tm_mday = 5;
+  when.tm_year = 124, when.tm_mday = 5;
   t->AggiornaDataModifica(when);
   tm back = {};
   t->GetDateTimeTMModifica(back);
-  EXPECT_EQ(back.tm_year * 100 + back.tm_mday, 12405);
   ASSERT_TRUE(t->GetTrackTimeZone(zone, delta));
-  EXPECT_EQ(zone, 50);  // a new variant's zone is not determined
+  EXPECT_EQ(back.tm_year * 100 + back.tm_mday + zone * 1000000, 50012405);  // a new variant's zone is not determined
   t->SetTimezone(-5);
   t->SetDeltaMin(30);
   t->SetTrackAnglePlot(12.5f);
   t->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
-  EXPECT_EQ(t->GetTimeZone() * 100 + t->GetDeltaMin(), -470);
-  EXPECT_EQ(t->GetTrackAnglePlot(), 12.5f);
+  EXPECT_EQ(std::make_pair(t->GetTimeZone() * 100 + t->GetDeltaMin(), t->GetTrackAnglePlot()), std::make_pair(-470, 12.5f));
   EXPECT_EQ(t->OttieniStringaxTrackTypeCircuitKey() + (t->IsTrackChiuso() ? " closed" : ""), "Rally");
   EXPECT_TRUE(t->HasShape());
   t->RemoveShape();  // the points go, the list stays
@@ -181,22 +175,18 @@ TEST_F(TrackEdit, AttributesOfTheMainVariant) {
   // The road-surface key replaces the first entry of the main list; without
   // a variant one is made with a list of just the key.
   t->SetFondoStradaleKey(FONDO_ICE);
-  EXPECT_EQ(t->OttieniStringaxFondoStradaleKey(), "Ice");
-  EXPECT_EQ(t->GetTagInfo()->FondiStradali->Fondi.size(), 1u);
+  EXPECT_EQ(t->OttieniStringaxFondoStradaleKey() + std::to_string(t->GetTagInfo()->FondiStradali->Fondi.size()), "Ice1");
   e->SetFondoStradaleKey(FONDO_DIRT);
   ASSERT_EQ(e->GetTagsInfoVarianti().size(), 1u);
   EXPECT_EQ(e->GetTagInfo()->FondiStradali->Fondi, std::vector<_eTipoRoadSurfaceTkk>{FONDO_DIRT});
   EXPECT_EQ(e->GetNomeXDevice() + e->GetNomePista(), "");
-
   // The city is the main variant's record's, the comment the first record's.
   STagDatiPlus first, own;
   first.Comment = "first";
   own.Nomignolo = "Ring";
   e = Empty();
   e->AddTagDatiPlus(first);
-  Idx idx;
-  idx.IdxDatiPlus = e->AddTagDatiPlus(own);
-  ASSERT_TRUE(e->AddTagInfoVariante("", "", Fw(), idx));
+  ASSERT_TRUE(e->AddTagInfoVariante("", "", Fw(), With(&Idx::IdxDatiPlus, e->AddTagDatiPlus(own))));
   e->SetCitta("Nürburg");
   EXPECT_EQ(e->GetCitta() + e->GetTrackNomignolo() + e->GetTrackComment(), "NürburgRingfirst");
   e->SetTrackComment("changed");
@@ -220,8 +210,7 @@ TEST_F(TrackEdit, ObjectsOpenedReadOnlyOrWithoutLogosRefuseChanges) {
   fixtures::MakeSmallTrack()->SalvaFileInPath(dir_.path(), &name);
   fixtures::WriteAll(badge, {1, 2, 3});
   for (const bool senzaLogo : {false, true}) {
-    std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(
-        IFileTkk::CreateMeUponFile(dir_.path() + name + ".tkk", !senzaLogo, senzaLogo)));
+    std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(dir_.path() + name + ".tkk", !senzaLogo, senzaLogo)));
     ASSERT_TRUE(t->IsGood());
     evtrec::Reset(true);
     // A refused Add answers the index of the last entry (the read lists
@@ -229,19 +218,18 @@ TEST_F(TrackEdit, ObjectsOpenedReadOnlyOrWithoutLogosRefuseChanges) {
     EXPECT_EQ(t->AddDatiFondoStradale({FONDO_ICE}) + t->AddTagDatiPuntiTracciato({{1, 1, 1}}), 0);
     EXPECT_EQ(t->AddTagDatiPlus(STagDatiPlus()) & t->AddTagDatiLogo({1, 2, 3}, "a.png"), 0xFFFF);
     EXPECT_FALSE(t->AddTagInfoVariante("", "", Fw(), Idx()));
-    EXPECT_EQ(t->SalvaFileInPath(dir_.path(), &name) + t->SalvaFileInPath(dir_.path(), nullptr) +
-                  t->SalvaFileInPathLogoEsterno(dir_.path(), name), "");
+    EXPECT_EQ(t->SalvaFileInPath(dir_.path(), &name) + t->SalvaFileInPath(dir_.path(), nullptr) + t->SalvaFileInPathLogoEsterno(dir_.path(), name), "");
     Bytes buffer = {42};
     EXPECT_EQ(t->SaveTrackFileLogoBuffer(buffer, badge), senzaLogo ? 0u : 3u);
     EXPECT_EQ(buffer, (senzaLogo ? Bytes{42} : Bytes{1, 2, 3}));
     t->SetTrackLogo(badge);  // a read-only object still takes a logo in memory
     EXPECT_EQ(t->GetTrackLogoBuffer() == nullptr, senzaLogo);
-    std::vector<std::string> reports(8, "ALERT Excluded, hence skipping!");
+    Texts reports(8, "ALERT Excluded, hence skipping!");
     if (senzaLogo) reports.push_back("NOTICE Forced no logo hence read only");
     EXPECT_EQ(Reports(), reports);
     EXPECT_EQ(evtrec::Events().front().priority + evtrec::Events().back().priority, senzaLogo ? 6 : 2);
     EXPECT_EQ(t->GetTagsInfoVarianti().size(), 1u);
-    EXPECT_EQ(dir_.Entries(), (std::vector<std::string>{name + ".tkk", "badge.png"}));
+    EXPECT_EQ(dir_.Entries(), (Texts{name + ".tkk", "badge.png"}));
   }
 }
 
@@ -254,8 +242,7 @@ TEST_F(TrackEdit, SettingALogoLoadsTheImage) {
   t->SetTrackLogo(badge);
   const STagsInfoVariante* main = t->GetTagInfo();
   ASSERT_NE(main->Logo, nullptr);
-  EXPECT_EQ(main->Logo->Dati, image);
-  EXPECT_EQ(main->Logo->NomeFile, "badge.png");
+  EXPECT_TRUE(main->Logo->Dati == image && main->Logo->NomeFile == "badge.png");
   EXPECT_EQ(main->Indici.IdxLogo + main->Indici.IdxDatiPlus, 0);  // one 32-bit zero, whatever the position
   t->SetTrackLogo(dir_.path() + "missing.png");
   EXPECT_EQ(main->Logo, t->GetTrackLogoBuffer());
@@ -295,43 +282,35 @@ TEST_F(TrackEdit, BeaconSets) {
     EXPECT_EQ(b.GetLineeSplitLLH(lines, BEACON_IN_USO) + b.GetLarghezzaPista(BEACON_IN_USO), 0u);
     EXPECT_EQ(lines, nullptr);
   }
-}
-
-TEST_F(TrackEdit, MovingTheSetCopiesTheFinishLineSixTimes) {
+  // Moving the set in use to another type copies its finish line six times.
   auto t = fixtures::MakeSmallTrack();
-  _SInfoBeacons& b = t->GetTagInfo()->InfoFw.InfoBeacons;
-  b.TipoBeaconInUso = BEACON_SCRUTINEERING;
+  _SInfoBeacons& own = t->GetTagInfo()->InfoFw.InfoBeacons;
+  own.TipoBeaconInUso = BEACON_SCRUTINEERING;
   for (unsigned i = 0; i < 3; ++i) t->SetLineeSplitLLH(i, Line(10 + i, 20, 15 - i), BEACON_IN_USO);
   EXPECT_EQ(t->GetLarghezzaPista(), 15u);
   EXPECT_TRUE(t->TrasformaSetDiBeacon(BEACON_OPTIC));
-  for (const auto& l : b.LineeBeacon[2]) EXPECT_EQ(l.LatI * 100 + l.LarghezzaPista, 1015u);
-  EXPECT_EQ(b.GetNumeroSplit(BEACON_IN_USO) * 10 + b.TipoBeaconInUso, 31u);  // the set in use is unchanged
+  for (const auto& l : own.LineeBeacon[2]) EXPECT_EQ(l.LatI * 100 + l.LarghezzaPista, 1015u);
+  EXPECT_EQ(own.GetNumeroSplit(BEACON_IN_USO) * 10 + own.TipoBeaconInUso, 31u);  // the set in use is unchanged
   EXPECT_FALSE(t->CanUseBeaconTypeMagnetic());
   t->SetTrackTypeCircuitKey(TRACCIATO_KART_TRACK);
   EXPECT_TRUE(t->CanUseBeaconTypeMagnetic());
 }
 
 TEST_F(TrackEdit, LengthKeyIsTheStandardLengthBelow) {
-  const std::pair<double, unsigned> cases[] = {
-      {0.0, 0},          {-3.0, 0},         {50.0, 23},          {80.4672, 23},       {80.5, 804672},
-      {160.9344, 804672}, {160.94, 1609344}, {1609.30, 12874756}, {1609.35, 16093445}, {5000.0, 32186890},
-      {1e9, 32186890}};
-  for (const auto& c : cases)
-    EXPECT_EQ(CDistanceCalculator::GetLunghezzaFrazionaria(c.first), c.second) << c.first;
-  // Setting key and length together: a known key gives its whole metres.
-  const double rows[][4] = {{12070083, 999.0, 12070083, 1207.0}, {16093445, NAN, 16093445, 1609.0},
-                            {12345, 777.5, 0, 777.5},  // not a key: the length counts
-                            {0, 12.25, 0, 12.25},      {NAN, 3.5, 0, 3.5},
-                            {12345, NAN, 0, 0.0},      {NAN, NAN, 0, 0.0}};  // key, metres, stored key, stored metres
+  const std::pair<double, unsigned> cases[] = {{0.0, 0}, {-3.0, 0}, {50.0, 23}, {80.4672, 23}, {80.5, 804672}, {160.9344, 804672}, {160.94, 1609344},
+                                               {1609.30, 12874756}, {1609.35, 16093445}, {5000.0, 32186890}, {1e9, 32186890}};
+  for (const auto& c : cases) EXPECT_EQ(CDistanceCalculator::GetLunghezzaFrazionaria(c.first), c.second) << c.first;
+  // Setting key and length together: a known key gives its whole metres;
+  // another key does not count, the length does.
+  const double rows[][4] = {{12070083, 999.0, 12070083, 1207.0}, {16093445, NAN, 16093445, 1609.0}, {12345, 777.5, 0, 777.5},
+                            {0, 12.25, 0, 12.25}, {NAN, 3.5, 0, 3.5}, {12345, NAN, 0, 0.0}, {NAN, NAN, 0, 0.0}};  // key, metres, stored key, stored metres
   for (const auto& r : rows) {
     Fw fw;
-    fw.TipoLunghezza = 42;
-    fw.Lunghezza = 42.0f;
+    fw.TipoLunghezza = 42, fw.Lunghezza = 42.0f;
     const auto key = static_cast<_eTipoLunghezzaPista>(std::isnan(r[0]) ? 0u : static_cast<unsigned>(r[0]));
     const float metres = static_cast<float>(r[1]);
     fw.ImpostaLunghezzaPista(std::isnan(r[0]) ? nullptr : &key, std::isnan(r[1]) ? nullptr : &metres);
-    EXPECT_EQ(fw.TipoLunghezza, r[2]) << r[0];
-    EXPECT_EQ(fw.Lunghezza, r[3]) << r[0];
+    EXPECT_EQ(std::make_pair(static_cast<double>(fw.TipoLunghezza), static_cast<double>(fw.Lunghezza)), std::make_pair(r[2], r[3])) << r[0];
   }
 }
 
@@ -342,12 +321,9 @@ TEST_F(TrackEdit, AssigningTheLengthReportsEachChangeOnce) {
   t->SetTrackLenght(&halfMile, nullptr);
   ASSERT_EQ(t->GetTrackLenght(), 804.0f);
   EXPECT_TRUE(t->AssignTrackLength());
-  EXPECT_EQ(t->GetTrackLenghtKey(), 0u);
-  EXPECT_EQ(t->GetTrackLenght(), 0.0f);  // the shape adds nothing to the length
+  EXPECT_EQ(std::make_pair(unsigned{t->GetTrackLenghtKey()}, t->GetTrackLenght()), std::make_pair(0u, 0.0f));  // the shape adds nothing to the length
   const std::string length = "INFO for track 'Monza GP' changed length for track from 804.00 m to 0.00 m";
-  EXPECT_EQ(Reports(), (std::vector<std::string>{
-                           "INFO for track 'Monza GP' changed fractionary length for track from 1/2 mi to custom",
-                           length}));
+  EXPECT_EQ(Reports(), (Texts{"INFO for track 'Monza GP' changed fractionary length for track from 1/2 mi to custom", length}));
   EXPECT_EQ(evtrec::Events()[0].priority, 6);
   EXPECT_TRUE(t->AssignTrackLength());
   EXPECT_EQ(evtrec::Events().size(), 2u);
@@ -356,7 +332,7 @@ TEST_F(TrackEdit, AssigningTheLengthReportsEachChangeOnce) {
   t->SetTrackLenght(&halfMile, nullptr);
   evtrec::Reset(true);
   t->AssignTrackLength();
-  EXPECT_EQ(Reports(), std::vector<std::string>{length});
+  EXPECT_EQ(Reports(), Texts{length});
 }
 
 TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
@@ -372,10 +348,8 @@ TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
   EXPECT_TRUE(evtrec::Events().empty());
   const auto files = dir_.Entries();
   ASSERT_EQ(files.size(), 1u);
-  std::unique_ptr<CFileTkk> vek(
-      static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(dir_.path() + files[0], false, false)));
-  ASSERT_TRUE(vek->IsGood() && vek->IsVekTrack() && !vek->IsUserCreatedNewTrack());
-  ASSERT_EQ(vek->GetTagsInfoVarianti().size(), 1u);
+  std::unique_ptr<IFileTkk> vek(IFileTkk::CreateMeUponFile(dir_.path() + files[0], false, false));
+  ASSERT_TRUE(vek->IsGood() && vek->IsVekTrack() && !vek->IsUserCreatedNewTrack() && vek->GetTagsInfoVarianti().size() == 1);
   EXPECT_EQ(vek->GetNomePista() + "/" + vek->GetNomeXDevice(), "GP/Monza");
   // The source's record but for the optic set (six copies of the finish
   // line) and the maker bit of the GUID; the source itself is unchanged.
@@ -391,7 +365,7 @@ TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
   EXPECT_FALSE(Empty(false, true)->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));  // nothing to convert
   auto maker = fixtures::MakeSmallTrack();
   EXPECT_FALSE(maker->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));
-  EXPECT_EQ(Reports(), std::vector<std::string>{"ERROR La pista e' gia' Vek"});
+  EXPECT_EQ(Reports(), Texts{"ERROR La pista e' gia' Vek"});
   EXPECT_EQ(dir_.Entries(), files);
   // A maker's track is never a user's, whatever its GUID says.
   maker = Empty(true, false);
@@ -419,20 +393,17 @@ class TrackChecks : public TrackEdit {
 };
 
 TEST_F(TrackChecks, ReferencePointIsRoundedToTheNearestStep) {
-  const double cases[][4] = {{45.6, 9.28, 456000000, 92800000}, {-0.00000005, 0.00000005, -1, 1},
-                             {-33.5, -70.25, -335000000, -702500000}};
+  const std::pair<double, double> cases[][2] = {{{45.6, 9.28}, {456000000, 92800000}}, {{-0.00000005, 0.00000005}, {-1, 1}}, {{-33.5, -70.25}, {-335000000, -702500000}}};
   for (const auto& c : cases) {
-    t_->SetBaricentro(c[0], c[1]);
-    EXPECT_EQ(t_->GetTagInfo()->InfoFw.LatRif, c[2]);
-    EXPECT_EQ(t_->GetTagInfo()->InfoFw.LonRif, c[3]);
+    t_->SetBaricentro(c[0].first, c[0].second);
+    EXPECT_EQ(std::make_pair(1.0 * t_->GetTagInfo()->InfoFw.LatRif, 1.0 * t_->GetTagInfo()->InfoFw.LonRif), c[1]);
   }
 }
 
 TEST_F(TrackChecks, LinesMustLieWithin1000MetresOfTheReferencePoint) {
   auto e = Empty();  // no variant, or no line at all: nothing to check
   EXPECT_TRUE(e->BaricentroCoerente(msg_) && e->AreCoherentBeacons(msg_) && e->AreEqualBeacons(BEACON_OPTIC, msg_) &&
-              e->IsVekTrackWithCorrectBeaconType(msg_));
-  EXPECT_TRUE(t_->BaricentroCoerente(msg_));
+              e->IsVekTrackWithCorrectBeaconType(msg_) && t_->BaricentroCoerente(msg_));
   EXPECT_EQ(msg_, "");
   t_->SetLineeSplitLLH(0, North(999.5), BEACON_IN_USO);
   t_->SetLineeSplitLLH(1, North(999.5), BEACON_IN_USO);
@@ -445,14 +416,15 @@ TEST_F(TrackChecks, LinesMustLieWithin1000MetresOfTheReferencePoint) {
   EXPECT_EQ(msg_, "lap is far from average point for track Monza GP distance = 2500 ref distance = 1000");
 }
 
+// In the United States every line lies west of Greenwich.
 TEST_F(TrackChecks, UnitedStatesLinesLieWest) {
   t_->SetLineeSplitLLH(0, Line(456200000, 0), BEACON_IN_USO);
   t_->SetLineeSplitLLH(1, Line(456200000, 1), BEACON_IN_USO);
-  const std::pair<const char*, bool> cases[] = {{"USA", false}, {"US", false}, {"ITA", true}, {"U", true}};
+  const std::pair<const char*, const char*> cases[] = {{"USA", "split n.1"}, {"US", "split n.1"}, {"ITA", ""}, {"U", ""}};
   for (const auto& c : cases) {
     t_->SetNationCode(c.first);
-    EXPECT_EQ(t_->AreCoherentBeacons(msg_), c.second) << c.first;
-    EXPECT_EQ(msg_, c.second ? "" : "split n.1 has not coherent coordinate");
+    EXPECT_EQ(t_->AreCoherentBeacons(msg_), !*c.second) << c.first;
+    EXPECT_EQ(msg_, *c.second ? c.second + std::string(" has not coherent coordinate") : "");
   }
   t_->SetNationCode("USA");
   t_->SetLineeSplitLLH(0, Line(456200000, 1), BEACON_IN_USO);
@@ -467,8 +439,7 @@ TEST_F(TrackChecks, EqualBeaconsCompareCountsThenPositions) {
   EXPECT_FALSE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));
   EXPECT_EQ(msg_, "we have 3 beacons in set User and 2 beacons in set Optic");
   _SDatoCoordinateBeacon same = North(3.0);
-  same.AltI = 99;  // height and width do not count
-  same.LarghezzaPista = 7;
+  same.AltI = 99, same.LarghezzaPista = 7;  // height and width do not count
   Beacons().SetLineeSplitLLH(2, same, BEACON_OPTIC);
   EXPECT_TRUE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));
   EXPECT_EQ(msg_, "");
@@ -488,19 +459,18 @@ TEST_F(TrackChecks, EqualBeaconsCompareCountsThenPositions) {
 // Scrutineering lines, and magnetic ones on a kart track, pass without a
 // word; any other type fails either way, with a report of which case it was.
 TEST_F(TrackChecks, BeaconTypeMustSuitTheCircuit) {
-  const char* same = "ERROR beacons are same for track Monza GP ";
-  struct Case {
+  const std::string same = "ERROR beacons are same for track Monza GP ";
+  const struct Case {
     int type;
     _eTipoTracciatoTkk circuit;
     std::string msg, report;
-  } const cases[] = {
+  } cases[] = {
       {BEACON_SCRUTINEERING, TRACCIATO_RACE_TRACK, "untouched", ""},
       {BEACON_MAGNETIC, TRACCIATO_KART_TRACK, "untouched", ""},
       {BEACON_MAGNETIC, TRACCIATO_RACE_TRACK, "Track Monza GP has beacon type Magnetic and circuit type 1", same},
       {BEACON_IN_USO, TRACCIATO_KART_TRACK, "Track Monza GP has beacon type Last!!!! and circuit type 2", same},
       {BEACON_OPTIC, TRACCIATO_KART_TRACK, "Track Monza GP has beacon type Optic and circuit type 2", same},
-      {BEACON_USER, TRACCIATO_KART_TRACK, "we have 1 beacons in set User and 0 beacons in set Scrutineering",
-       "ERROR beacons are different for track Monza GP "},
+      {BEACON_USER, TRACCIATO_KART_TRACK, "we have 1 beacons in set User and 0 beacons in set Scrutineering", "ERROR beacons are different for track Monza GP "},
   };
   Beacons().SetLineeSplitLLH(0, North(1.0), BEACON_USER);
   for (const Case& c : cases) {
@@ -510,7 +480,7 @@ TEST_F(TrackChecks, BeaconTypeMustSuitTheCircuit) {
     t_->SetTrackTypeCircuitKey(c.circuit);
     EXPECT_EQ(t_->IsVekTrackWithCorrectBeaconType(msg_), c.report.empty()) << c.type;
     EXPECT_EQ(msg_, c.msg);
-    EXPECT_EQ(Reports(), c.report.empty() ? std::vector<std::string>{} : std::vector<std::string>{c.report});
+    EXPECT_EQ(Reports(), c.report.empty() ? Texts{} : Texts{c.report});
   }
 }
 
