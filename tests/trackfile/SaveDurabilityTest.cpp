@@ -30,8 +30,7 @@ using fixtures::Bytes;
 using fixtures::TempDir;
 using Snapshot = std::map<std::string, Bytes>;
 
-const std::string kNome = "0k3f9zq1";
-const std::string kTrack = kNome + ".tkk";
+const std::string kNome = "0k3f9zq1", kTrack = kNome + ".tkk";
 
 // The small track with one logo of `logoBytes` bytes (a larger file takes
 // longer to save), filled with `seed`.
@@ -56,9 +55,7 @@ pid_t Fork(const std::function<bool()>& body, bool asNobody = false) {
   const pid_t pid = fork();
   if (pid != 0) return pid;
   alarm(20);
-  const gid_t nobody = 65534;
-  if (asNobody && geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(nobody) != 0 || setuid(nobody) != 0))
-    _exit(2);
+  if (asNobody && geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0)) _exit(2);
   _exit(body() ? 0 : 1);
 }
 
@@ -80,8 +77,7 @@ void KillSavesAtRandom(int kills, int minUs, int maxUs, const std::function<bool
       for (int i = 0;; ++i)
         if (!save(i)) return false;
     });
-    std::this_thread::sleep_for(std::chrono::microseconds(delayUs(rng)));
-    ::kill(pid, SIGKILL);
+    std::this_thread::sleep_for(std::chrono::microseconds(delayUs(rng))), ::kill(pid, SIGKILL);
     ASSERT_EQ(Wait(pid), 128 + SIGKILL) << "the saving child stopped by itself";
     check(kill);
   }
@@ -109,21 +105,16 @@ TEST_P(DurableSave, KilledSavesLeaveOneCompleteVersion) {
       120, 200, 4000, [&](int i) { return Save(*tracks[(i + 1 + current) % 2], dir_); },  // first the other track
       [&](int kill) {
         const Snapshot now = Take(dir_);
-        for (const auto& [name, version] : clean[0]) {
-          ASSERT_EQ(1u, now.count(name)) << name << " is missing after kill " << kill;
-          ASSERT_TRUE(now.at(name) == version || now.at(name) == clean[1].at(name))
-              << name << " is neither complete version after kill " << kill;
-        }
+        for (const auto& [name, version] : clean[0])
+          ASSERT_TRUE(now.count(name) && (now.at(name) == version || now.at(name) == clean[1].at(name))) << name << " is missing or incomplete after kill " << kill;
         for (const auto& entry : now) ASSERT_TRUE(clean[0].count(entry.first) || IsTemporary(entry.first)) << entry.first;
         const int holds = now.at(kTrack) == clean[0].at(kTrack) ? 0 : 1;
-        changes += holds != current;
-        current = holds;
+        changes += holds != current, current = holds;
       });
   EXPECT_GT(changes, 0) << "no kill came after a complete save";
   // A temporary file of a live process stays.
   const std::string live = "." + kTrack + ".tmp." + std::to_string(getpid()) + ".1.1";
-  fixtures::WriteAll(dir_.path() + live, {1});
-  clean[0][live] = {1};
+  fixtures::WriteAll(dir_.path() + live, {1}), clean[0][live] = Bytes{1};
   ASSERT_EQ(0, Wait(Fork([&] { return Save(*tracks[0], dir_); })));
   EXPECT_EQ(clean[0], Take(dir_));
 }
@@ -150,9 +141,8 @@ TEST_P(DurableSave, ReplacingKeepsModeOwnerAndLinks) {
     ASSERT_TRUE(chmod((dir_.path() + entry).c_str(), 0640) == 0 && (!root || chown((dir_.path() + entry).c_str(), 4321, 4322) == 0));
   LinkChain(dir_, 40);
   const std::unique_ptr<CFileTkk> next = MakeTrack(10);
-  ASSERT_TRUE(Save(*next, dir_));
   TempDir fresh;
-  ASSERT_TRUE(Save(*next, fresh));
+  ASSERT_TRUE(Save(*next, dir_) && Save(*next, fresh));
   EXPECT_EQ(fixtures::ReadAll(fresh.path() + kTrack), fixtures::ReadAll(dir_.path() + "real"));
   struct stat st;
   for (const std::string& entry : dir_.Entries()) {
@@ -166,16 +156,14 @@ TEST_P(DurableSave, ReplacingKeepsModeOwnerAndLinks) {
 // process that could not have truncated it.
 TEST_P(DurableSave, RefusesAFileTheCallerMayNotWrite) {
   ASSERT_TRUE(Save(*MakeTrack(11), dir_));
-  ASSERT_EQ(0, chmod((dir_.path() + kTrack).c_str(), 0444));
-  ASSERT_EQ(0, chmod(dir_.path().c_str(), 0777));
+  ASSERT_EQ(0, chmod((dir_.path() + kTrack).c_str(), 0444) + chmod(dir_.path().c_str(), 0777));
   const Snapshot before = Take(dir_);
   const std::unique_ptr<CFileTkk> track = MakeTrack(12);
   EXPECT_EQ(1, Wait(Fork([&] { return Save(*track, dir_); }, true))) << "2: could not become nobody; 0: saved";
   EXPECT_EQ(before, Take(dir_));
 }
 
-INSTANTIATE_TEST_SUITE_P(Ways, DurableSave, ::testing::Bool(),
-                         [](const ::testing::TestParamInfo<bool>& way) { return way.param ? "LogoApart" : "Given"; });
+INSTANTIATE_TEST_SUITE_P(Ways, DurableSave, ::testing::Bool(), [](const ::testing::TestParamInfo<bool>& way) { return way.param ? "LogoApart" : "Given"; });
 
 // Without hard links and without RENAME_NOREPLACE a generated name was once
 // claimed by an empty placeholder that the rename then replaced: a kill in
@@ -185,18 +173,15 @@ INSTANTIATE_TEST_SUITE_P(Ways, DurableSave, ::testing::Bool(),
 TEST(GeneratedNames, KilledSavesWithoutHardLinksNeverLeaveAnIncompleteTrack) {
   TempDir dir, probe;
   const std::unique_ptr<CFileTkk> track = MakeTrack(8, 8000);
-  faults::NoHardLinks(true, true);
-  faults::SlowRename(2000);
+  faults::NoHardLinks(true, true), faults::SlowRename(2000);
   const auto start = std::chrono::steady_clock::now();
   const auto save = [&](const TempDir& where) { return !track->SalvaFileInPath(where.path(), nullptr).empty(); };
   ASSERT_EQ(0, Wait(Fork([&] { return save(probe); })));
-  const int saveUs = static_cast<int>(
-      std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count());
+  const int saveUs = static_cast<int>(std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count());
   KillSavesAtRandom(60, saveUs / 4, saveUs * 3, [&](int) { return save(dir); }, [](int) {});
   faults::SlowRename(0);
   ASSERT_EQ(0, Wait(Fork([&] { return save(dir); })));
-  faults::NoHardLinks(false);
-  const std::vector<std::string> entries = dir.Entries();
+  const std::vector<std::string> entries = (faults::NoHardLinks(false), dir.Entries());
   EXPECT_GT(entries.size(), 1u);
   for (const std::string& entry : entries)
     EXPECT_TRUE(!IsTemporary(entry) && std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(dir.path() + entry, true, true))->IsGood()) << entry;
