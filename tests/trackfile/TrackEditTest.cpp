@@ -118,8 +118,7 @@ TEST_F(TrackEdit, NamesAreConvertedAndCutToTheirFields) {
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
   ASSERT_TRUE(t->AddTagInfoVariante(std::string(300, 'p'), std::string(40, 'd'), fw, Idx()));
   ASSERT_TRUE(t->AddTagInfoVariante("\xE8", "", fw, Idx()));
-  EXPECT_EQ(std::string(t->GetTagInfo()->InfoSw.NomePista, 256), std::string(256, 'p'));
-  EXPECT_EQ(t->GetNomeXDevice(), std::string(28, 'd') + "ITA");
+  EXPECT_EQ(std::make_pair(std::string(t->GetTagInfo()->InfoSw.NomePista, 256), t->GetNomeXDevice()), std::make_pair(std::string(256, 'p'), std::string(28, 'd') + "ITA"));
   EXPECT_EQ(std::string(t->GetTagInfoVariante(1)->InfoSw.NomePista, 4) + std::string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice, 28),
             std::string("\xC3\xA8\0\0", 4) + std::string(28, '\0'));
   t->SetNamexSito(std::string(300, 's'));
@@ -129,21 +128,20 @@ TEST_F(TrackEdit, NamesAreConvertedAndCutToTheirFields) {
   t->SetNationCode("\xC4"), t->SetSubNationCode("MI");
   EXPECT_EQ(std::string(t->GetTagInfo()->InfoFw.NationCode, 8), std::string("\xC4\0\0\0MI\0\0", 8));
   t->SetNomeXDevice("N\xFCrburg"), t->SetNamexSito("Gro\xDF");
-  EXPECT_STREQ(t->GetTagInfo()->InfoFw.NomeXDevice, "N\xC3\xBCrburg");
-  EXPECT_EQ(t->GetTrackNameCompleto(), "Gro\xDF N\xFCrburg");
+  EXPECT_EQ(std::make_pair(std::string(t->GetTagInfo()->InfoFw.NomeXDevice), t->GetTrackNameCompleto()), std::make_pair(std::string("N\xC3\xBCrburg"), std::string("Gro\xDF N\xFCrburg")));
   _STagInfoFileTKK info;
   memcpy(info.NamexSito, "Gro\xC3\x9F", 5);
   t->SetTagInfoFile("", info);  // the record's name, unless one is given
-  EXPECT_EQ(t->GetNamexSito(), "Gro\xDF");
+  const std::string recorded = t->GetNamexSito();
   t->SetTagInfoFile("Imola", info);
-  EXPECT_STREQ(t->GetTagInfoFile().NamexSito, "Imola");
+  EXPECT_EQ(recorded + "/" + t->GetTagInfoFile().NamexSito, "Gro\xDF/Imola");
   setlocale(LC_CTYPE, saved.c_str());
 }
 
 TEST_F(TrackEdit, AttributesOfTheMainVariant) {
   auto e = Empty();  // without a variant: defaults, and setters change nothing
   int zone = 7, delta = 8;
-  tm when = {};
+  tm when = {}, back = {};
   e->SetTimezone(3), e->SetCitta("Imola"), e->GetDateTimeTMModifica(when);
   EXPECT_FALSE(e->GetTrackTimeZone(zone, delta) || e->HasShape() || e->IsTrashed() || e->IsTrackObsoleta());
   EXPECT_EQ(zone + e->GetTimeZone() + e->GetDeltaMin() + when.tm_mday, 7);
@@ -152,9 +150,7 @@ TEST_F(TrackEdit, AttributesOfTheMainVariant) {
 
   auto t = fixtures::MakeSmallTrack();
   when.tm_year = 124, when.tm_mday = 5;
-  t->AggiornaDataModifica(when);
-  tm back = {};
-  t->GetDateTimeTMModifica(back);
+  t->AggiornaDataModifica(when), t->GetDateTimeTMModifica(back);
   ASSERT_TRUE(t->GetTrackTimeZone(zone, delta));
   EXPECT_EQ(back.tm_year * 100 + back.tm_mday + zone * 1000000, 50012405);  // a new variant's zone is not determined
   t->SetTimezone(-5), t->SetDeltaMin(30), t->SetTrackAnglePlot(12.5f), t->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
@@ -168,18 +164,15 @@ TEST_F(TrackEdit, AttributesOfTheMainVariant) {
   EXPECT_EQ(t->OttieniStringaxFondoStradaleKey() + std::to_string(t->GetTagInfo()->FondiStradali->Fondi.size()), "Ice1");
   e->SetFondoStradaleKey(FONDO_DIRT);
   ASSERT_EQ(e->GetTagsInfoVarianti().size(), 1u);
-  EXPECT_EQ(e->GetTagInfo()->FondiStradali->Fondi, std::vector<_eTipoRoadSurfaceTkk>{FONDO_DIRT});
-  EXPECT_EQ(e->GetNomeXDevice() + e->GetNomePista(), "");
+  EXPECT_EQ(std::make_pair(e->GetTagInfo()->FondiStradali->Fondi, e->GetNomeXDevice() + e->GetNomePista()), std::make_pair(std::vector<_eTipoRoadSurfaceTkk>{FONDO_DIRT}, std::string()));
   // The city is the main variant's record's, the comment the first record's.
   STagDatiPlus first, own;
   first.Comment = "first", own.Nomignolo = "Ring";
-  e = Empty();
-  e->AddTagDatiPlus(first);
+  e = Empty(), e->AddTagDatiPlus(first);
   ASSERT_TRUE(e->AddTagInfoVariante("", "", Fw(), With(&Idx::IdxDatiPlus, e->AddTagDatiPlus(own))));
   e->SetCitta("Nürburg");
   EXPECT_EQ(e->GetCitta() + e->GetTrackNomignolo() + e->GetTrackComment(), "NürburgRingfirst");
-  e->SetTrackComment("changed");
-  EXPECT_EQ(e->GetTrackComment(), "changed");
+  EXPECT_EQ((e->SetTrackComment("changed"), e->GetTrackComment()), "changed");
 }
 
 TEST_F(TrackEdit, GoodTracksUseLineTypes1To4AndAreNotBothMakersAndDevelopment) {
