@@ -46,11 +46,7 @@ std::unique_ptr<CFileTkk> Empty(bool readOnly = false, bool dev = false) {
   return std::unique_ptr<CFileTkk>(static_cast<CFileTkk*>(IFileTkk::CreateMe(readOnly, dev)));
 }
 // Indexes naming nothing but `field`.
-Idx With(uint16_t Idx::*field, uint16_t value) {
-  Idx idx;
-  idx.*field = value;
-  return idx;
-}
+Idx With(uint16_t Idx::*field, uint16_t value) { Idx idx; idx.*field = value; return idx; }
 _SDatoCoordinateBeacon Line(int32_t lat, int32_t lon, uint32_t width = 0, int32_t alt = 0) {
   _SDatoCoordinateBeacon l;
   l.LatI = lat, l.LonI = lon, l.AltI = alt, l.LarghezzaPista = width;
@@ -80,10 +76,7 @@ struct FileBuilder {
     memcpy(fw.NationCode, "ITA\0MB\0\0", 8), strcpy(fw.NomeXDevice, device);
     return Record("Vnfo", fw);
   }
-  FileBuilder& Sw(const char* name) {
-    _STagInfoVarianteTKK_sw sw;
-    return Atom("V_sw", strcpy(sw.NomePista, name), sizeof sw);
-  }
+  FileBuilder& Sw(const char* name) { _STagInfoVarianteTKK_sw sw; return Atom("V_sw", strcpy(sw.NomePista, name), sizeof sw); }
   FileBuilder& Idx(uint16_t punti = 0xFFFF, uint16_t logo = 0xFFFF, uint16_t surfaces = 0xFFFF) {
     const uint16_t idx[4] = {surfaces, punti, logo, 0xFFFF};  // surfaces, shape, logo, texts
     return Atom("Vidx", idx, sizeof idx);
@@ -122,9 +115,7 @@ Bytes Contents(CFileTkk& t) {
     out.push_back(static_cast<unsigned char>(part)), out.insert(out.end(), raw.begin(), raw.end());
   };
   for (const STagsInfoVariante* v : t.GetTagsInfoVarianti()) {
-    add('v', &v->InfoFw, sizeof v->InfoFw);
-    add('s', &v->InfoSw, sizeof v->InfoSw);
-    add('i', &v->Indici, sizeof v->Indici);
+    add('v', &v->InfoFw, sizeof v->InfoFw), add('s', &v->InfoSw, sizeof v->InfoSw), add('i', &v->Indici, sizeof v->Indici);
     if (v->Punti) add('p', v->Punti->Punti.data(), v->Punti->Punti.size() * sizeof(_t_s_lla_i));
     if (v->FondiStradali) add('f', v->FondiStradali->Fondi.data(), v->FondiStradali->Fondi.size() * 4);
     const std::string name = v->Logo ? v->Logo->NomeFile.substr(v->Logo->NomeFile.rfind('/') + 1) : "";
@@ -143,11 +134,7 @@ TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
   hugeSize[6] = hugeSize[7] = 0xFF;  // a 4 GB size field is refused, not allocated
   const auto flip = [](Bytes b, size_t fromEnd) { b[b.size() - fromEnd] ^= 1; return b; };
   const std::string interpret = "Can't interpret file ";
-  struct Case {
-    const char* what;
-    Bytes bytes;
-    std::string message;  // the path follows
-  } const cases[] = {
+  struct Case { const char* what; Bytes bytes; std::string message; /* the path follows */ } const cases[] = {
       {"missing file", {}, "Can't open file "},
       {"empty file", {}, "Zero length file "},
       {"no decoder", good, "Can't alloc mem"},
@@ -172,8 +159,7 @@ TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
       const std::string path = dir_.path() + std::to_string(&c - cases) + (plain ? "p" : "") + ".tkk";
       if (&c != cases) fixtures::WriteAll(path, c.bytes);
       ASSERT_TRUE(again->LeggiFile(dir_.path() + "good.tkk", false));
-      evtrec::Reset(true);
-      faults::FailDecoderCreation(&c == cases + 2);
+      evtrec::Reset(true), faults::FailDecoderCreation(&c == cases + 2);
       std::unique_ptr<CFileTkk> track = Open(path);
       EXPECT_FALSE(again->LeggiFile(path, false));
       faults::FailDecoderCreation(false);
@@ -203,12 +189,7 @@ TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
 // Atoms of other tags or sizes are ignored: only a 256-byte "V_sw" names
 // the track. Variants whose indexes name nothing are skipped.
 TEST_F(TrackFile, MalformedButReadableFiles) {
-  struct Case {
-    const char* what;
-    Bytes bytes;
-    size_t variants;
-    Bytes image = {};  // of the main variant's logo
-  } const cases[] = {
+  struct Case { const char* what; Bytes bytes; size_t variants; Bytes image = {}; /* of the main variant's logo */ } const cases[] = {
       {"unknown tag", FileBuilder().Info().Atom("zzz", Bytes(256, 'q').data(), 256).Fw().Idx().bytes, 1},
       {"V_sw of wrong size", FileBuilder().Info().Fw().Atom("V_sw", "x", 1).Idx().bytes, 1},
       {"64 road surfaces", FileBuilder().Info().Fw().Atom("srfs", Bytes(256, 1).data(), 256).Idx().bytes, 1},
@@ -288,8 +269,7 @@ TEST_F(TrackFile, LogosAreLoadedAndWrittenBesideTheTrack) {
 // for every logo, quadratic in their number.
 TEST_F(TrackFile, NumberedLogoNamesAreProbedOnce) {
   constexpr unsigned kLogos = 200;
-  FileBuilder file;
-  file.Info();
+  FileBuilder file = FileBuilder().Info();
   for (unsigned i = 0; i < kLogos; ++i) file.Logo("badge.png", Bytes(8, static_cast<unsigned char>(i)));
   const std::string path = Write(file.Fw().Idx(0xFFFF, 0).bytes);
   std::unique_ptr<CFileTkk> track = Open(path);
@@ -345,11 +325,7 @@ TEST_F(TrackFile, ReadingAndSavingInALoopKeepsResidentMemoryFlat) {
   track->AddTagDatiLogo(Bytes(900 * 1024, 9), "logo.png");
   const std::string path = dir_.path() + name_ + ".tkk";
   std::unique_ptr<CFileTkk> same = fixtures::MakeSmallTrack();
-  const auto round = [&] {
-    ASSERT_EQ(track->SalvaFileInPath(dir_.path(), &name_), name_);
-    ASSERT_TRUE(Open(path)->IsGood());
-    ASSERT_TRUE(same->LeggiFile(path, false));
-  };
+  const auto round = [&] { ASSERT_TRUE(track->SalvaFileInPath(dir_.path(), &name_) == name_ && Open(path)->IsGood() && same->LeggiFile(path, false)); };
   for (int i = 0; i < 20; ++i) round();
   const long before = ResidentKb(), files = OpenFiles();
   for (int i = 0; i < 100; ++i) round();
@@ -833,10 +809,7 @@ _SDatoCoordinateBeacon North(double metres) {
 
 class TrackChecks : public TrackEdit {
  protected:
-  void SetUp() override {
-    TrackEdit::SetUp();
-    t_->SetBaricentro(kRefLat, kRefLon);
-  }
+  void SetUp() override { TrackEdit::SetUp(), t_->SetBaricentro(kRefLat, kRefLon); }
   _SInfoBeacons& Beacons() { return t_->GetTagInfo()->InfoFw.InfoBeacons; }
   std::unique_ptr<CFileTkk> t_ = fixtures::MakeSmallTrack();  // "Monza GP", type 4 in use
   std::string msg_ = "untouched";
@@ -906,11 +879,7 @@ TEST_F(TrackChecks, EqualBeaconsCompareCountsThenPositions) {
 // word; any other type fails either way, with a report of which case it was.
 TEST_F(TrackChecks, BeaconTypeMustSuitTheCircuit) {
   const std::string same = "ERROR beacons are same for track Monza GP ";
-  const struct Case {
-    int type;
-    _eTipoTracciatoTkk circuit;
-    std::string msg, report;
-  } cases[] = {
+  const struct Case { int type; _eTipoTracciatoTkk circuit; std::string msg, report; } cases[] = {
       {BEACON_SCRUTINEERING, TRACCIATO_RACE_TRACK, "untouched", ""},
       {BEACON_MAGNETIC, TRACCIATO_KART_TRACK, "untouched", ""},
       {BEACON_MAGNETIC, TRACCIATO_RACE_TRACK, "Track Monza GP has beacon type Magnetic and circuit type 1", same},
