@@ -45,7 +45,7 @@ bool IsTemporary(const std::string& entry) { return entry[0] == '.' && entry.fin
 // Every entry of `dir` with its bytes.
 Snapshot Take(const TempDir& dir) {
   Snapshot files;
-  for (const std::string& e : dir.Entries()) files[e] = fixtures::ReadAll(dir.path() + e);
+  for (const std::string& e : dir.Entries()) files.emplace(e, fixtures::ReadAll(dir.path() + e));
   return files;
 }
 
@@ -179,8 +179,7 @@ TEST(GeneratedNames, KilledSavesWithoutHardLinksNeverLeaveAnIncompleteTrack) {
   ASSERT_EQ(0, Wait(Fork([&] { return save(probe); })));
   const int saveUs = static_cast<int>(std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count());
   KillSavesAtRandom(60, saveUs / 4, saveUs * 3, [&](int) { return save(dir); }, [](int) {});
-  faults::SlowRename(0);
-  ASSERT_EQ(0, Wait(Fork([&] { return save(dir); })));
+  ASSERT_EQ(0, (faults::SlowRename(0), Wait(Fork([&] { return save(dir); }))));  // at normal speed
   const std::vector<std::string> entries = (faults::NoHardLinks(false), dir.Entries());
   EXPECT_GT(entries.size(), 1u);
   for (const std::string& entry : entries)
@@ -192,7 +191,7 @@ TEST(GeneratedNames, KilledSavesWithoutHardLinksNeverLeaveAnIncompleteTrack) {
 // claimed against each other: 300 files, none lost, each complete and
 // carrying its own name, and no temporary file left.
 TEST(GeneratedNames, ConcurrentSavesGiveDistinctCompleteFiles) {
-  TempDir dir;
+  TempDir dir;  // the children's saves go here
   std::vector<pid_t> pids;
   for (uint32_t c = 0; c < 3; ++c)
     pids.push_back(Fork([&] {
@@ -203,12 +202,11 @@ TEST(GeneratedNames, ConcurrentSavesGiveDistinctCompleteFiles) {
     }));
   for (const pid_t pid : pids) EXPECT_EQ(0, Wait(pid));
   const std::vector<std::string> entries = dir.Entries();
-  EXPECT_EQ(300u, entries.size());
+  ASSERT_EQ(300u, entries.size());
   for (const std::string& entry : entries) {
     ASSERT_EQ(entry.size() == 12 ? entry.substr(8) : entry, ".tkk");
     const std::unique_ptr<IFileTkk> back(IFileTkk::CreateMeUponFile(dir.path() + entry, true, true));
-    ASSERT_TRUE(back->IsGood() && !back->GetTagsInfoVarianti().empty()) << entry;
-    EXPECT_EQ(entry.substr(0, 8), std::string(back->GetTagInfoFile().GuidNomeFile, 8));
+    ASSERT_TRUE(back->IsGood() && !back->GetTagsInfoVarianti().empty() && entry.substr(0, 8) == std::string(back->GetTagInfoFile().GuidNomeFile, 8)) << entry;
   }
 }
 

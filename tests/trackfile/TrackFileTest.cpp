@@ -49,15 +49,10 @@ std::unique_ptr<CFileTkk> Empty(bool readOnly = false, bool dev = false) {
 Idx With(uint16_t Idx::*field, uint16_t value) { Idx idx; idx.*field = value; return idx; }
 _SDatoCoordinateBeacon Line(int32_t lat, int32_t lon, uint32_t width = 0, int32_t alt = 0) {
   _SDatoCoordinateBeacon l;
-  l.LatI = lat, l.LonI = lon, l.AltI = alt, l.LarghezzaPista = width;
-  return l;
+  return l.LatI = lat, l.LonI = lon, l.AltI = alt, l.LarghezzaPista = width, l;
 }
 // The events recorded since the last reset, one "SEVERITY message" each.
-Texts Reports() {
-  Texts out;
-  for (const evtrec::Event& e : evtrec::Events()) out.push_back(e.severity + " " + e.Message());
-  return out;
-}
+Texts Reports() { Texts out; for (const evtrec::Event& e : evtrec::Events()) out.push_back(e.severity + " " + e.Message()); return out; }
 
 // Composes a track file atom by atom, with any tag and payload.
 struct FileBuilder {
@@ -129,9 +124,9 @@ Bytes Contents(CFileTkk& t) {
 // that held a good track before; the file's size is kept all the same.
 TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
   const Bytes good = FileBuilder().Info().Fw().Sw("GP").Idx().bytes;
+  // Five bytes are too short for another atom; a 4 GB size field is refused, not allocated.
   Bytes hugeSize = good, trailing = good;
-  trailing.resize(good.size() + 5);  // too short for another atom
-  hugeSize[6] = hugeSize[7] = 0xFF;  // a 4 GB size field is refused, not allocated
+  trailing.resize(good.size() + 5), hugeSize[6] = hugeSize[7] = 0xFF;
   const auto flip = [](Bytes b, size_t fromEnd) { b[b.size() - fromEnd] ^= 1; return b; };
   const std::string interpret = "Can't interpret file ";
   struct Case { const char* what; Bytes bytes; std::string message; /* the path follows */ } const cases[] = {
@@ -174,11 +169,9 @@ TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
 // a writer for ever; as a logo it did the same.
 TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
   const std::string fifo = dir_.path() + "0k3f9zq1.tkk";
-  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
-  alarm(20);  // a wait ends the test here
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600) + static_cast<int>(alarm(20)));  // a wait ends the test here
   for (const std::string& path : {fifo, std::string("/dev/null")}) {
-    evtrec::Reset(true);
-    EXPECT_FALSE(Open(path)->IsGood());
+    EXPECT_FALSE((evtrec::Reset(true), Open(path)->IsGood()));
     std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
     track->SetTrackLogo(path);
     EXPECT_EQ(std::make_pair(Reports(), track->GetTagInfo()->Indici.IdxLogo + 0), std::make_pair(Texts{"ERROR Can't open file " + path}, 0xFFFF));
@@ -231,7 +224,7 @@ TEST_F(TrackFile, NameOnDiskAndFlagsFromTheName) {
   const std::pair<const char*, const char*> cases[] = {
       {"ABCDEFGH.tkk", "ABCDEFGH"}, {"ABC.tkk", ""}, {"ABCDEFGHI.tkk", ""}, {"0k3f9zq1.tkk", "0k3f9zq1"}};
   for (const auto& c : cases) {
-    char name[8];
+    char name[8];  // no terminator when full
     Open(Write(bytes, c.first))->GetNomeFile(name);
     EXPECT_EQ(std::string(name, strnlen(name, 8)), c.second) << c.first;
   }
@@ -273,8 +266,7 @@ TEST_F(TrackFile, NumberedLogoNamesAreProbedOnce) {
   for (unsigned i = 0; i < kLogos; ++i) file.Logo("badge.png", Bytes(8, static_cast<unsigned char>(i)));
   const std::string path = Write(file.Fw().Idx(0xFFFF, 0).bytes);
   std::unique_ptr<CFileTkk> track = Open(path);
-  faults::ResetAccessCount();
-  ASSERT_TRUE(track->LeggiFile(path, true));
+  ASSERT_TRUE((faults::ResetAccessCount(), track->LeggiFile(path, true)));
   EXPECT_LT(faults::AccessCount(), 3u * kLogos);
   // The same names as probing from 1: badge.png held logo 0 from the first
   // read, this read numbered all 200 from badge1.png on.
@@ -515,8 +507,8 @@ TEST_F(TrackEdit, ShapesAreThinnedBelow8000Points) {
   const size_t cases[][3] = {{1, 1, 1}, {7999, 7999, 1}, {8000, 4000, 2}, {15999, 8000, 2}, {16000, 5334, 3}, {24000, 6000, 4}};  // in, kept, stride
   for (const auto& c : cases) {
     std::vector<_t_s_lla_i> points(c[0]);
-    for (size_t i = 0; i < c[0]; ++i) points[i].LatI = static_cast<int32_t>(i);
     auto t = Empty();
+    for (size_t i = 0; i < c[0]; ++i) points[i].LatI = static_cast<int32_t>(i);
     ASSERT_TRUE(t->AddTagInfoVariante("", "", Fw(), With(&Idx::IdxPunti, t->AddTagDatiPuntiTracciato(points))));
     const auto& kept = t->GetTagInfo()->Punti->Punti;
     ASSERT_EQ(kept.size(), c[1]) << c[0];
@@ -526,11 +518,9 @@ TEST_F(TrackEdit, ShapesAreThinnedBelow8000Points) {
 
 TEST_F(TrackEdit, AddOperationsReturnIndexesThatVariantsMustUse) {
   auto t = Empty();  // empty lists are refused; the braces call in order
-  EXPECT_EQ((std::vector<unsigned>{t->AddDatiFondoStradale({}), t->AddTagDatiPuntiTracciato({}), t->AddTagDatiLogo({}, "a"),
-                                   t->AddDatiFondoStradale({FONDO_ICE}), t->AddTagDatiPuntiTracciato({{1, 2, 3}}),
-                                   t->AddDatiFondoStradale({FONDO_DIRT, FONDO_WATER}), t->AddTagDatiLogo({1, 2}, "a.png"),
-                                   t->AddTagDatiPlus(STagDatiPlus()), t->AddTagDatiPlus(STagDatiPlus())}),
-            (std::vector<unsigned>{0xFFFF, 0xFFFF, 0xFFFF, 0, 0, 1, 0, 0, 1}));
+  EXPECT_EQ((std::vector<unsigned>{t->AddDatiFondoStradale({}), t->AddTagDatiPuntiTracciato({}), t->AddTagDatiLogo({}, "a"), t->AddDatiFondoStradale({FONDO_ICE}),
+                                   t->AddTagDatiPuntiTracciato({{1, 2, 3}}), t->AddDatiFondoStradale({FONDO_DIRT, FONDO_WATER}), t->AddTagDatiLogo({1, 2}, "a.png"),
+                                   t->AddTagDatiPlus(STagDatiPlus()), t->AddTagDatiPlus(STagDatiPlus())}), (std::vector<unsigned>{0xFFFF, 0xFFFF, 0xFFFF, 0, 0, 1, 0, 0, 1}));
   for (auto field : {&Idx::IdxFondiStradali, &Idx::IdxPunti, &Idx::IdxLogo, &Idx::IdxDatiPlus})  // one past the last entry
     EXPECT_FALSE(t->AddTagInfoVariante("", "", Fw(), With(field, field == &Idx::IdxPunti || field == &Idx::IdxLogo ? 1 : 2)));
   EXPECT_TRUE(t->GetTagsInfoVarianti().empty() && evtrec::Events().empty());
