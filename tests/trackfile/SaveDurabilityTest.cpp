@@ -3,7 +3,6 @@
 // anything but the old file or the complete new one. Cases that need a
 // process of their own (killed, unprivileged) save in a forked child, which
 // reports through its exit code.
-#include <dirent.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -31,20 +30,13 @@ using fixtures::Bytes;
 using fixtures::TempDir;
 using Snapshot = std::map<std::string, Bytes>;
 
-const std::string kNome = "0k3f9zq1";
-const std::string kTrack = kNome + ".tkk";
+const std::string kNome = "0k3f9zq1", kTrack = kNome + ".tkk";
 
-// The small track plus a shape of `points` points and one logo of
-// `logoBytes` bytes, their contents drawn from `seed`.
-std::unique_ptr<CFileTkk> MakeTrack(uint32_t seed, size_t points = 100, size_t logoBytes = 1000) {
+// The small track with one logo of `logoBytes` bytes (a larger file takes
+// longer to save), filled with `seed`.
+std::unique_ptr<CFileTkk> MakeTrack(uint32_t seed, size_t logoBytes = 1000) {
   std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
-  std::mt19937 rng(seed);
-  std::vector<_t_s_lla_i> shape(points);
-  for (auto& p : shape) p = {static_cast<int32_t>(rng()), static_cast<int32_t>(rng()), 0};
-  track->AddTagDatiPuntiTracciato(shape);
-  Bytes image(logoBytes);
-  for (auto& b : image) b = static_cast<unsigned char>(rng());
-  track->AddTagDatiLogo(image, "logo.png");
+  track->AddTagDatiLogo(Bytes(logoBytes, static_cast<unsigned char>(seed)), "logo.png");
   return track;
 }
 
@@ -53,7 +45,7 @@ bool IsTemporary(const std::string& entry) { return entry[0] == '.' && entry.fin
 // Every entry of `dir` with its bytes.
 Snapshot Take(const TempDir& dir) {
   Snapshot files;
-  for (const std::string& e : dir.Entries()) files[e] = fixtures::ReadAll(dir.path() + e);
+  for (const std::string& e : dir.Entries()) files.emplace(e, fixtures::ReadAll(dir.path() + e));
   return files;
 }
 
@@ -63,9 +55,7 @@ pid_t Fork(const std::function<bool()>& body, bool asNobody = false) {
   const pid_t pid = fork();
   if (pid != 0) return pid;
   alarm(20);
-  const gid_t nobody = 65534;
-  if (asNobody && geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(nobody) != 0 || setuid(nobody) != 0))
-    _exit(2);
+  if (asNobody && geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0)) _exit(2);
   _exit(body() ? 0 : 1);
 }
 
@@ -87,8 +77,7 @@ void KillSavesAtRandom(int kills, int minUs, int maxUs, const std::function<bool
       for (int i = 0;; ++i)
         if (!save(i)) return false;
     });
-    std::this_thread::sleep_for(std::chrono::microseconds(delayUs(rng)));
-    ::kill(pid, SIGKILL);
+    std::this_thread::sleep_for(std::chrono::microseconds(delayUs(rng))), ::kill(pid, SIGKILL);
     ASSERT_EQ(Wait(pid), 128 + SIGKILL) << "the saving child stopped by itself";
     check(kill);
   }
@@ -108,32 +97,24 @@ class DurableSave : public ::testing::TestWithParam<bool> {
 // the two complete saves left it; anything else present is a temporary file.
 // The next process to save there removes those, and only those.
 TEST_P(DurableSave, KilledSavesLeaveOneCompleteVersion) {
-  const std::unique_ptr<CFileTkk> tracks[2] = {MakeTrack(1, 2000, 40000), MakeTrack(2, 3000, 30000)};
+  const std::unique_ptr<CFileTkk> tracks[2] = {MakeTrack(1, 60000), MakeTrack(2, 50000)};
   Snapshot clean[2];
-  for (int i = 0; i < 2; ++i) {
-    ASSERT_TRUE(Save(*tracks[i], dir_));
-    clean[i] = Take(dir_);
-  }
+  for (int i = 0; i < 2; ++i) ASSERT_TRUE(Save(*tracks[i], dir_) && (clean[i] = Take(dir_)).size() > 0);
   int current = 1, changes = 0;
   KillSavesAtRandom(
       120, 200, 4000, [&](int i) { return Save(*tracks[(i + 1 + current) % 2], dir_); },  // first the other track
       [&](int kill) {
         const Snapshot now = Take(dir_);
-        for (const auto& [name, version] : clean[0]) {
-          ASSERT_EQ(1u, now.count(name)) << name << " is missing after kill " << kill;
-          ASSERT_TRUE(now.at(name) == version || now.at(name) == clean[1].at(name))
-              << name << " is neither complete version after kill " << kill;
-        }
+        for (const auto& [name, version] : clean[0])
+          ASSERT_TRUE(now.count(name) && (now.at(name) == version || now.at(name) == clean[1].at(name))) << name << " is missing or incomplete after kill " << kill;
         for (const auto& entry : now) ASSERT_TRUE(clean[0].count(entry.first) || IsTemporary(entry.first)) << entry.first;
         const int holds = now.at(kTrack) == clean[0].at(kTrack) ? 0 : 1;
-        changes += holds != current;
-        current = holds;
+        changes += holds != current, current = holds;
       });
   EXPECT_GT(changes, 0) << "no kill came after a complete save";
   // A temporary file of a live process stays.
   const std::string live = "." + kTrack + ".tmp." + std::to_string(getpid()) + ".1.1";
-  fixtures::WriteAll(dir_.path() + live, {1});
-  clean[0][live] = {1};
+  fixtures::WriteAll(dir_.path() + live, {1}), clean[0][live] = Bytes{1};
   ASSERT_EQ(0, Wait(Fork([&] { return Save(*tracks[0], dir_); })));
   EXPECT_EQ(clean[0], Take(dir_));
 }
@@ -156,23 +137,18 @@ TEST_P(DurableSave, ReplacingKeepsModeOwnerAndLinks) {
   ASSERT_TRUE(Save(*MakeTrack(9), dir_));
   const bool root = geteuid() == 0;  // only root may give files away
   const std::vector<unsigned> kept = {0640, root ? 4321 : geteuid(), root ? 4322 : getegid()};
-  for (const std::string& entry : dir_.Entries()) {
-    ASSERT_EQ(0, chmod((dir_.path() + entry).c_str(), 0640));
-    ASSERT_TRUE(!root || chown((dir_.path() + entry).c_str(), 4321, 4322) == 0);
-  }
+  for (const std::string& entry : dir_.Entries())
+    ASSERT_TRUE(chmod((dir_.path() + entry).c_str(), 0640) == 0 && (!root || chown((dir_.path() + entry).c_str(), 4321, 4322) == 0));
   LinkChain(dir_, 40);
   const std::unique_ptr<CFileTkk> next = MakeTrack(10);
-  ASSERT_TRUE(Save(*next, dir_));
   TempDir fresh;
-  ASSERT_TRUE(Save(*next, fresh));
+  ASSERT_TRUE(Save(*next, dir_) && Save(*next, fresh));
   EXPECT_EQ(fixtures::ReadAll(fresh.path() + kTrack), fixtures::ReadAll(dir_.path() + "real"));
   struct stat st;
   for (const std::string& entry : dir_.Entries()) {
     ASSERT_EQ(0, lstat((dir_.path() + entry).c_str(), &st));
     EXPECT_EQ(S_ISLNK(st.st_mode), entry == kTrack || entry[0] == 'c') << entry;
-    if (!S_ISLNK(st.st_mode)) {
-      EXPECT_EQ((std::vector<unsigned>{st.st_mode & 07777u, st.st_uid, st.st_gid}), kept) << entry;
-    }
+    EXPECT_EQ(S_ISLNK(st.st_mode) ? kept : (std::vector<unsigned>{st.st_mode & 07777u, st.st_uid, st.st_gid}), kept) << entry;
   }
 }
 
@@ -180,16 +156,14 @@ TEST_P(DurableSave, ReplacingKeepsModeOwnerAndLinks) {
 // process that could not have truncated it.
 TEST_P(DurableSave, RefusesAFileTheCallerMayNotWrite) {
   ASSERT_TRUE(Save(*MakeTrack(11), dir_));
-  ASSERT_EQ(0, chmod((dir_.path() + kTrack).c_str(), 0444));
-  ASSERT_EQ(0, chmod(dir_.path().c_str(), 0777));
+  ASSERT_EQ(0, chmod((dir_.path() + kTrack).c_str(), 0444) + chmod(dir_.path().c_str(), 0777));
   const Snapshot before = Take(dir_);
   const std::unique_ptr<CFileTkk> track = MakeTrack(12);
   EXPECT_EQ(1, Wait(Fork([&] { return Save(*track, dir_); }, true))) << "2: could not become nobody; 0: saved";
   EXPECT_EQ(before, Take(dir_));
 }
 
-INSTANTIATE_TEST_SUITE_P(Ways, DurableSave, ::testing::Bool(),
-                         [](const ::testing::TestParamInfo<bool>& way) { return way.param ? "LogoApart" : "Given"; });
+INSTANTIATE_TEST_SUITE_P(Ways, DurableSave, ::testing::Bool(), [](const ::testing::TestParamInfo<bool>& way) { return way.param ? "LogoApart" : "Given"; });
 
 // Without hard links and without RENAME_NOREPLACE a generated name was once
 // claimed by an empty placeholder that the rename then replaced: a kill in
@@ -198,25 +172,18 @@ INSTANTIATE_TEST_SUITE_P(Ways, DurableSave, ::testing::Bool(),
 // times that, so that some come after complete saves on any processor.
 TEST(GeneratedNames, KilledSavesWithoutHardLinksNeverLeaveAnIncompleteTrack) {
   TempDir dir, probe;
-  const std::unique_ptr<CFileTkk> track = MakeTrack(8, 500, 2000);
-  faults::NoHardLinks(true, true);
-  faults::SlowRename(2000);
+  const std::unique_ptr<CFileTkk> track = MakeTrack(8, 8000);
+  faults::NoHardLinks(true, true), faults::SlowRename(2000);
   const auto start = std::chrono::steady_clock::now();
   const auto save = [&](const TempDir& where) { return !track->SalvaFileInPath(where.path(), nullptr).empty(); };
   ASSERT_EQ(0, Wait(Fork([&] { return save(probe); })));
-  const int saveUs = static_cast<int>(
-      std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count());
+  const int saveUs = static_cast<int>(std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count());
   KillSavesAtRandom(60, saveUs / 4, saveUs * 3, [&](int) { return save(dir); }, [](int) {});
-  faults::SlowRename(0);
-  ASSERT_EQ(0, Wait(Fork([&] { return save(dir); })));
-  faults::NoHardLinks(false);
-  const std::vector<std::string> entries = dir.Entries();
+  ASSERT_EQ(0, (faults::SlowRename(0), Wait(Fork([&] { return save(dir); }))));  // at normal speed
+  const std::vector<std::string> entries = (faults::NoHardLinks(false), dir.Entries());
   EXPECT_GT(entries.size(), 1u);
-  for (const std::string& entry : entries) {
-    EXPECT_FALSE(IsTemporary(entry)) << entry << " was not cleaned up";
-    const std::unique_ptr<IFileTkk> back(IFileTkk::CreateMeUponFile(dir.path() + entry, true, true));
-    EXPECT_TRUE(back->IsGood()) << entry;
-  }
+  for (const std::string& entry : entries)
+    EXPECT_TRUE(!IsTemporary(entry) && std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(dir.path() + entry, true, true))->IsGood()) << entry;
 }
 
 // Three processes save 100 tracks each into one directory at once. The name
@@ -224,7 +191,7 @@ TEST(GeneratedNames, KilledSavesWithoutHardLinksNeverLeaveAnIncompleteTrack) {
 // claimed against each other: 300 files, none lost, each complete and
 // carrying its own name, and no temporary file left.
 TEST(GeneratedNames, ConcurrentSavesGiveDistinctCompleteFiles) {
-  TempDir dir;
+  TempDir dir;  // the children's saves go here
   std::vector<pid_t> pids;
   for (uint32_t c = 0; c < 3; ++c)
     pids.push_back(Fork([&] {
@@ -235,12 +202,11 @@ TEST(GeneratedNames, ConcurrentSavesGiveDistinctCompleteFiles) {
     }));
   for (const pid_t pid : pids) EXPECT_EQ(0, Wait(pid));
   const std::vector<std::string> entries = dir.Entries();
-  EXPECT_EQ(300u, entries.size());
+  ASSERT_EQ(300u, entries.size());
   for (const std::string& entry : entries) {
     ASSERT_EQ(entry.size() == 12 ? entry.substr(8) : entry, ".tkk");
     const std::unique_ptr<IFileTkk> back(IFileTkk::CreateMeUponFile(dir.path() + entry, true, true));
-    ASSERT_TRUE(back->IsGood() && !back->GetTagsInfoVarianti().empty()) << entry;
-    EXPECT_EQ(entry.substr(0, 8), std::string(back->GetTagInfoFile().GuidNomeFile, 8));
+    ASSERT_TRUE(back->IsGood() && !back->GetTagsInfoVarianti().empty() && entry.substr(0, 8) == std::string(back->GetTagInfoFile().GuidNomeFile, 8)) << entry;
   }
 }
 
