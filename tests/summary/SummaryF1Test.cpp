@@ -11,7 +11,8 @@
 
 #include "Coordinate.h"
 #include "summary/Riassunto.h"
-#include "summary/SummaryTestUtil.h"
+#include "summary/CFileRiassuntivo.h"
+#include "support/TrackFixtures.h"
 
 namespace {
 

@@ -13,6 +13,13 @@ using namespace sumtest;
 
 namespace {
 
+Bytes BytesOf(std::initializer_list<const _SDatoRiassuntivo*> records) {
+  Bytes out;
+  for (const _SDatoRiassuntivo* r : records)
+    out.insert(out.end(), reinterpret_cast<const unsigned char*>(r), reinterpret_cast<const unsigned char*>(r + 1));
+  return out;
+}
+
 TEST(SummaryFile, NullEntriesAreSkippedAndRecordsReadBackUnchanged) {
   fixtures::TempDir dir;
   _SDatoRiassuntivo a = Rec("Alfa"), b = Rec("Beta", "ITA", -5, 7, 9, "0k3f9zq1", 3);
@@ -104,6 +111,15 @@ TEST(SummaryFile, CrossIndexBytes) {
   EXPECT_EQ(ReadAll(dir.path() + "idx"), (Bytes{2, 0, 0xFF, 0xFF, 2, 0}));
   CFileRiassuntivo::CalcolaAndScriviIdx({}, {&x}, dir.path() + "none");
   EXPECT_EQ(dir.Entries(), std::vector<std::string>{"idx"});
+  // Positions are 16 bits: past 65535 they wrap, and 65535 itself reads as absent.
+  std::vector<_SDatoRiassuntivo> many(70000);
+  std::vector<_SDatoRiassuntivo*> b;
+  for (_SDatoRiassuntivo& r : many) {
+    r.RifLat = static_cast<int32_t>(b.size());
+    b.push_back(&r);
+  }
+  CFileRiassuntivo::CalcolaAndScriviIdx({b[65540], &absent, b[65535], b[3]}, b, dir.path() + "idx");
+  EXPECT_EQ(ReadAll(dir.path() + "idx"), (Bytes{4, 0, 0xFF, 0xFF, 0xFF, 0xFF, 3, 0}));
 }
 
 TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
@@ -151,14 +167,14 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   r.OffsetFw = 280;
   r.OffsetPti = 1234;
   r.Dummy[0] = 0xAB;
-  _SDatoRiassuntivo first = Rec("B", "FRA");
+  _SDatoRiassuntivo first = Rec("B\xC3\x89", "FRA");  // a character up to the end of the field
   const std::string t = dir.path() + "t.txt";
   evtrec::Reset();
   ASSERT_TRUE(Summary({&r, &first})->CreaFileAlfabSortedConNazioneTestuale(t));
   const Bytes text = ReadAll(t);
   EXPECT_EQ(std::string(text.begin(), text.end()),
             "Name;Country;State;RifLat;RIfLon;RifAlt;Length;BeaconNumber;BeaconType;VariantIdx;FileName;Guid;Date;"
-            "OffsetFw;OffsetPti;Dummy\nB;FRA;;0;0;0;0.00;0;1;0;aaaaaaaa;0:0:0:0:0:0:0:0:0:0;0:0:0:0:0:0:0;0;0;" +
+            "OffsetFw;OffsetPti;Dummy\nB\xC3\x89;FRA;;0;0;0;0.00;0;1;0;aaaaaaaa;0:0:0:0:0:0:0:0:0:0;0:0:0:0:0:0:0;0;0;" +
                 std::string(88, '0') + "\nMon%3Bza 100%25\xC3\x89%FF%0A%ED%A0%80%F4%90%80%80;ITA;;456200000;92800000;-12000;5793.46;3;2;-1;"
                 "0k3f9zq1;4660:0:0:0:0:0:0:1:1:0;7:5:14:30:4:9:1;280;1234;ab" + std::string(86, '0') + "\n");
   // A file that cannot be written is reported; each null record too, and skipped.

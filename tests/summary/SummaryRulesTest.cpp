@@ -13,6 +13,22 @@ namespace rs = vektkk::riassunto;
 
 namespace {
 
+// The five lists of a comparison as (list, file name) pairs, list by list.
+using Pairs = std::vector<std::pair<int, std::string>>;
+const std::string& NameOf(const std::string& name) { return name; }
+const std::string& NameOf(const SPistaEstesa& track) { return track.NomeFileTkk; }
+template <typename Result>
+Pairs Flat(const Result& c) {
+  Pairs out;
+  int l = 0;
+  for (const auto* list : {&c.PisteUguali, &c.PisteQuiPiuRecenti, &c.PisteAltrovePiuRecenti, &c.PisteSoloQui,
+                           &c.PisteSoloAltrove}) {
+    for (const auto& track : *list) out.emplace_back(l, NameOf(track));
+    ++l;
+  }
+  return out;
+}
+
 _SDatoRiassuntivo Full(const char* name, const char* country, const char* state, int32_t lat = 0) {
   _SDatoRiassuntivo r = Rec(name, country, lat);
   memcpy(r.State, state, strnlen(state, 4));
@@ -80,18 +96,28 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
   }
 }
 
-// A name shorter than 8 characters stands for 8 zero bytes.
+// A name shorter than 8 characters stands for 8 zero bytes. Removals in a
+// row are applied together, keeping the order of the records left.
 TEST(SummaryEdit, DeleteAndFindByFileName) {
   const _SDatoRiassuntivo a = Rec(""), b = Rec("", "", 0, 0, 0, "bbbbbbbb"), zero = Rec("", "", 0, 0, 0, "");
-  const std::pair<const char*, int> cases[] = {{"aaaaaaaa", 2}, {"aaaaaaaa.tkk", 2}, {"abc", 4}, {"", 4}, {"cccccccc", 5}};
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{"aaaaaaaa"}, "b0"}, {{"aaaaaaaa.tkk"}, "b0"}, {{"abc"}, "abaa"}, {{""}, "abaa"}, {{"cccccccc"}, "ab0aa"},
+      {{"bbbbbbbb", "aaaaaaaa"}, "0"}, {{"aaaaaaaa", "x", "", "bbbbbbbb"}, ""}};
   for (const auto& c : cases) {
+    SCOPED_TRACE(c.first[0] + " ... " + c.first.back());
     std::unique_ptr<CFileRiassuntivo> s = Summary({&a, &b, &zero, &a, &a});
-    EXPECT_EQ(s->IsThisFileTkkHere(c.first), c.second < 5) << c.first;
-    EXPECT_EQ(s->DelFileTkk(c.first), c.second) << c.first;
+    EXPECT_EQ(s->IsThisFileTkkHere(c.first[0]), c.first[0] != "cccccccc");
+    int n = 5;
+    for (const std::string& name : c.first) {
+      n = s->DelFileTkk(name);
+      EXPECT_FALSE(s->IsThisFileTkkHere(name));
+    }
+    EXPECT_EQ(n, static_cast<int>(c.second.size()));
     std::vector<const _SDatoRiassuntivo*> left;
     s->GetDatiRiassuntivi(left);
-    EXPECT_EQ(left.size(), static_cast<size_t>(c.second)) << c.first;
-    EXPECT_FALSE(s->IsThisFileTkkHere(c.first)) << c.first;
+    std::string files;
+    for (const _SDatoRiassuntivo* r : left) files += r->FileName[0] != 0 ? r->FileName[0] : '0';
+    EXPECT_EQ(files, c.second);
   }
   CFileRiassuntivo empty;
   EXPECT_EQ(empty.DelFileTkk("aaaaaaaa") + empty.IsThisFileTkkHere("aaaaaaaa"), 0);
@@ -138,8 +164,10 @@ TEST(SummaryCompare, Rules) {
       {"identical", 0, 0, 0, 0},
       {"2031 against 2020", Year(2031), Year(2020), 2, 1},
       {"2020 against 2031", Year(2020), Year(2031), 1, 2},
-      {"2021 against 2020", Year(2021), Year(2020), 1, 1},
-      {"2020 against 2021", Year(2020), Year(2021), 2, 2},
+      {"2030 against 2020", Year(2030), Year(2020), 2, 1},
+      {"2020 against 2030", Year(2020), Year(2030), 1, 2},
+      {"2029 against 2020", Year(2029), Year(2020), 1, 1},
+      {"2020 against 2029", Year(2020), Year(2029), 2, 2},
       {"equal dates, Dummy differs", Year(2020), 1, 2, 2},
   };
   _SDatoRiassuntivo onlyHere = Rec("H", "", 0, 0, 0, "hhhhhhhh"), onlyThere = Rec("E", "FRA", 0, 0, 0, "eeeeeeee");

@@ -7,7 +7,6 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "IFileRiassuntivo.h"
@@ -15,8 +14,6 @@
 #include "support/TrackFixtures.h"
 
 namespace sumtest {
-
-using Lista = std::vector<_SDatoRiassuntivo*>;
 
 // A record with the fields that the tests look at.
 inline _SDatoRiassuntivo Rec(const char* name, const char* country = "", int32_t lat = 0, int32_t lon = 0,
@@ -40,29 +37,6 @@ inline std::unique_ptr<CFileRiassuntivo> Summary(std::initializer_list<const _SD
   std::unique_ptr<CFileRiassuntivo> s(new CFileRiassuntivo);
   for (const _SDatoRiassuntivo* r : records) s->Lista().push_back(r != nullptr ? new _SDatoRiassuntivo(*r) : nullptr);
   return s;
-}
-
-inline fixtures::Bytes BytesOf(std::initializer_list<const _SDatoRiassuntivo*> records) {
-  fixtures::Bytes out;
-  for (const _SDatoRiassuntivo* r : records)
-    out.insert(out.end(), reinterpret_cast<const unsigned char*>(r), reinterpret_cast<const unsigned char*>(r + 1));
-  return out;
-}
-
-// The five lists of a comparison as (list, file name) pairs, list by list.
-using Pairs = std::vector<std::pair<int, std::string>>;
-inline const std::string& NameOf(const std::string& name) { return name; }
-inline const std::string& NameOf(const SPistaEstesa& track) { return track.NomeFileTkk; }
-template <typename Result>
-Pairs Flat(const Result& c) {
-  Pairs out;
-  int l = 0;
-  for (const auto* list : {&c.PisteUguali, &c.PisteQuiPiuRecenti, &c.PisteAltrovePiuRecenti, &c.PisteSoloQui,
-                           &c.PisteSoloAltrove}) {
-    for (const auto& track : *list) out.emplace_back(l, NameOf(track));
-    ++l;
-  }
-  return out;
 }
 
 }  // namespace sumtest
