@@ -32,7 +32,9 @@ __attribute__((visibility("default"))) pthread_mutex_t vek_evtcontext_mutex = PT
 namespace {
 std::atomic<long> g_records{0};
 }  // namespace
-extern "C" __attribute__((visibility("default"))) void syslog(int, const char*, ...) { g_records.fetch_add(1); }
+extern "C" __attribute__((visibility("default"))) void syslog(int, const char*, ...) {
+  g_records.fetch_add(1);
+}
 
 namespace {
 
@@ -50,16 +52,20 @@ void ExpectEveryFileItsOwn(int threads, const std::function<Saved(int, const std
   std::vector<std::thread> running;
   auto dir = [&](int t) { return dirs[static_cast<size_t>(t % 2 ? t : threads)].path(); };
   for (int t = 0; t < threads; ++t)
-    running.emplace_back([&, t] { while (std::chrono::steady_clock::now() < end) saved[t].push_back(work(t, dir(t))); });
+    running.emplace_back([&, t] {
+      while (std::chrono::steady_clock::now() < end) saved[t].push_back(work(t, dir(t)));
+    });
   for (std::thread& th : running) th.join();
   std::set<std::string> names;
   fixtures::TempDir scratch;
   for (int t = 0; t < threads; ++t) {
     EXPECT_GT(saved[t].size(), 1u);
     for (const auto& [track, name] : saved[t]) {
-      ASSERT_TRUE(name.size() == 8 && names.insert(dir(t) + name).second) << "'" << name << "' failed or came twice in " << dir(t);
+      ASSERT_TRUE(name.size() == 8 && names.insert(dir(t) + name).second)
+          << "'" << name << "' failed or came twice in " << dir(t);
       ASSERT_EQ(name, track->SalvaFileInPath(scratch.path(), &name));
-      ASSERT_EQ(fixtures::ReadAll(scratch.path() + name + ".tkk"), fixtures::ReadAll(dir(t) + name + ".tkk")) << dir(t) << name;
+      ASSERT_EQ(fixtures::ReadAll(scratch.path() + name + ".tkk"), fixtures::ReadAll(dir(t) + name + ".tkk"))
+          << dir(t) << name;
     }
   }
 }

@@ -45,8 +45,11 @@ bool Cade() { return ++g.contate == g.alla && (errno = EIO); }
 void Nomina(const char* from, const char*) { g.rinominatiNonScaricati += g.nonScaricati.count(from) > 0; }
 
 // A call that may fail, after `prima` has looked at its arguments.
-#define GUASTA(call, prima) \
-  [](auto... a) { prima; return Cade() ? -1 : sys::SistemaReale().call(a...); }
+#define GUASTA(call, prima)                              \
+  [](auto... a) {                                        \
+    prima;                                               \
+    return Cade() ? -1 : sys::SistemaReale().call(a...); \
+  }
 const sys::Chiamate kGuaste = {
     [](const char* p, int f, mode_t m) {
       const bool lucchetto = strstr(p, ".tmp.lock") != nullptr;
@@ -55,7 +58,8 @@ const sys::Chiamate kGuaste = {
       if (fd >= 0) g.aperti[fd] = p;
       return fd;
     },
-    GUASTA(Read, ), GUASTA(Readv, ),
+    GUASTA(Read, ),
+    GUASTA(Readv, ),
     [](int fd, const iovec* v, int n) -> ssize_t {
       std::vector<iovec> parte(v, v + n);
       size_t resto = g.corte ? 1 + g.contate % 7 : SIZE_MAX;
@@ -73,7 +77,9 @@ const sys::Chiamate kGuaste = {
       errno = cade ? EIO : errno;
       return cade ? -1 : esito;
     },
-    GUASTA(Rename, Nomina(a...)), GUASTA(RenameNoReplace, Nomina(a...)), GUASTA(Link, Nomina(a...)),
+    GUASTA(Rename, Nomina(a...)),
+    GUASTA(RenameNoReplace, Nomina(a...)),
+    GUASTA(Link, Nomina(a...)),
     GUASTA(Unlink, ),
 };
 
@@ -91,8 +97,12 @@ Snapshot Take(const TempDir& dir) {
   for (const std::string& e : dir.Entries()) s[e] = fixtures::ReadAll(dir.path() + e);
   return s;
 }
-void Empty(const TempDir& dir) { for (const std::string& e : dir.Entries()) unlink((dir.path() + e).c_str()); }
-size_t Descrittori() { return static_cast<size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {})); }
+void Empty(const TempDir& dir) {
+  for (const std::string& e : dir.Entries()) unlink((dir.path() + e).c_str());
+}
+size_t Descrittori() {
+  return static_cast<size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+}
 
 // Saves of every kind of file: 0 an old version, 1 a new one, 2 one too large
 // for a small device. A save of several files (each replaced on its own) may
@@ -108,7 +118,8 @@ class FileFaults : public ::testing::Test {
   void SetUp() override {
     evtrec::Reset(true);
     for (auto& r : riassunti_) r.reset(IFileRiassuntivo::CreateMe());
-    for (int i = 0; i < 3; ++i) grande_->AddTagDatiPuntiTracciato(std::vector<_t_s_lla_i>(7999, _t_s_lla_i{1, 2, 3}));
+    for (int i = 0; i < 3; ++i)
+      grande_->AddTagDatiPuntiTracciato(std::vector<_t_s_lla_i>(7999, _t_s_lla_i{1, 2, 3}));
     for (uint32_t seme = 1; seme <= 4; ++seme) {
       tracce_.push_back(fixtures::MakeRandomTrack(seme));
       for (int v = seme <= 2 ? 0 : 1; v < 2; ++v) riassunti_[v]->AddVarianteTkk(tracce_.back().get(), 0);
@@ -121,13 +132,28 @@ class FileFaults : public ::testing::Test {
     auto traccia = [this](int v) { return v == 2 ? grande_.get() : tracce_[static_cast<size_t>(v)].get(); };
     auto riassunto = [this](int v) { return riassunti_[v].get(); };
     return {
-        {"track", true, [=](int v, const std::string& d) { return traccia(v)->SalvaFileInPath(d, &kNome) == kNome; }},
-        {"track with a new name", true, [=](int v, const std::string& d) { return traccia(v)->SalvaFileInPath(d, nullptr).size() == 8; }},
-        {"logos apart", true, [=](int v, const std::string& d) { return traccia(v)->SalvaFileInPathLogoEsterno(d, kNome) == kNome; }},
-        {"summary", false, [=](int v, const std::string& d) { return riassunto(v)->SalvaFileDev(d + "s.bin"); }},
-        {"by name", false, [=](int v, const std::string& d) { return riassunto(v)->CreaFileAlfabSortedSenzaNazione(d + "n.bin", d + "n.ll", d + "n.g"); }},
-        {"by position", false, [=](int v, const std::string& d) { return riassunto(v)->CreaFileLatLonSorted(d + "p.bin", d + "p.n", d + "p.g"); }},
-        {"text", false, [=](int v, const std::string& d) { return riassunto(v)->CreaFileAlfabSortedConNazioneTestuale(d + "t.txt"); }},
+        {"track", true,
+         [=](int v, const std::string& d) { return traccia(v)->SalvaFileInPath(d, &kNome) == kNome; }},
+        {"track with a new name", true,
+         [=](int v, const std::string& d) { return traccia(v)->SalvaFileInPath(d, nullptr).size() == 8; }},
+        {"logos apart", true,
+         [=](int v, const std::string& d) {
+           return traccia(v)->SalvaFileInPathLogoEsterno(d, kNome) == kNome;
+         }},
+        {"summary", false,
+         [=](int v, const std::string& d) { return riassunto(v)->SalvaFileDev(d + "s.bin"); }},
+        {"by name", false,
+         [=](int v, const std::string& d) {
+           return riassunto(v)->CreaFileAlfabSortedSenzaNazione(d + "n.bin", d + "n.ll", d + "n.g");
+         }},
+        {"by position", false,
+         [=](int v, const std::string& d) {
+           return riassunto(v)->CreaFileLatLonSorted(d + "p.bin", d + "p.n", d + "p.g");
+         }},
+        {"text", false,
+         [=](int v, const std::string& d) {
+           return riassunto(v)->CreaFileAlfabSortedConNazioneTestuale(d + "t.txt");
+         }},
     };
   }
 
@@ -227,10 +253,13 @@ TEST_F(FileFaults, LeftoversOfDeadProcessesAreRemoved) {
   const std::string m = ".tmp." + std::to_string(morto), io = std::to_string(getpid());
   const int tenuto = open((dir_.path() + ".b.tkk.tmp.lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
   ASSERT_EQ(0, flock(tenuto, LOCK_EX));
-  std::vector<std::string> restano = {".a" + m + ".1", ".a" + m + ".1.2x", ".a" + m + ".1.2.3", ".a.tmp.x" + m.substr(5) + ".1.2",
-                                      ".a.tmp." + io + ".1.2", ".a.tmp.1.1.2", "a" + m + ".1.2", m + ".1.2", ".b.tkk.tmp.lock"};
+  std::vector<std::string> restano = {
+      ".a" + m + ".1",         ".a" + m + ".1.2x", ".a" + m + ".1.2.3", ".a.tmp.x" + m.substr(5) + ".1.2",
+      ".a.tmp." + io + ".1.2", ".a.tmp.1.1.2",     "a" + m + ".1.2",    m + ".1.2",
+      ".b.tkk.tmp.lock"};
   for (const std::string& e : restano) fixtures::WriteAll(dir_.path() + e, {});
-  for (const std::string& e : {".a" + m + ".1.2", std::string(".c.tkk.tmp.lock")}) fixtures::WriteAll(dir_.path() + e, {});
+  for (const std::string& e : {".a" + m + ".1.2", std::string(".c.tkk.tmp.lock")})
+    fixtures::WriteAll(dir_.path() + e, {});
   ASSERT_EQ(kNome, tracce_[0]->SalvaFileInPath(dir_.path(), &kNome));
   restano.push_back(kNome + ".tkk");
   std::sort(restano.begin(), restano.end());

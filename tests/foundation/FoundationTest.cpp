@@ -19,12 +19,19 @@ bool SameTm(const tm& a, const tm& b) { return memcmp(&a, &b, sizeof a) == 0; }
 
 // Each field is cut to its width, with no normalisation; unpacking clears the whole tm.
 TEST(DataOraTkk, PacksEachFieldInItsBits) {
-  const struct { tm in; uint32_t word; tm out; } cases[] = {
-      {MakeTm(2024, 3, 5, 12, 34, 56), 9u << 26 | 2u << 22 | 4u << 17 | 12u << 12 | 34u << 6 | 56u, MakeTm(2024, 3, 5, 12, 34, 56)},
+  const struct {
+    tm in;
+    uint32_t word;
+    tm out;
+  } cases[] = {
+      {MakeTm(2024, 3, 5, 12, 34, 56), 9u << 26 | 2u << 22 | 4u << 17 | 12u << 12 | 34u << 6 | 56u,
+       MakeTm(2024, 3, 5, 12, 34, 56)},
       {MakeTm(2015, 1, 1, 0, 0, 0), 0, MakeTm(2015, 1, 1, 0, 0, 0)},
-      {MakeTm(2046, 12, 31, 23, 59, 60), 31u << 26 | 11u << 22 | 30u << 17 | 23u << 12 | 59u << 6 | 60u, MakeTm(2046, 12, 31, 23, 59, 60)},
+      {MakeTm(2046, 12, 31, 23, 59, 60), 31u << 26 | 11u << 22 | 30u << 17 | 23u << 12 | 59u << 6 | 60u,
+       MakeTm(2046, 12, 31, 23, 59, 60)},
       {MakeTm(2047, 1, 1, 0, 0, 0), 0, MakeTm(2015, 1, 1, 0, 0, 0)},
-      {MakeTm(2014, 6, 15, 8, 0, 0), 31u << 26 | 5u << 22 | 14u << 17 | 8u << 12, MakeTm(2046, 6, 15, 8, 0, 0)},
+      {MakeTm(2014, 6, 15, 8, 0, 0), 31u << 26 | 5u << 22 | 14u << 17 | 8u << 12,
+       MakeTm(2046, 6, 15, 8, 0, 0)},
       {MakeTm(2020, 1, 1, 33, 64, 65), 5u << 26 | 1u << 12 | 1u, MakeTm(2020, 1, 1, 1, 0, 1)},
   };
   for (const auto& c : cases) {
@@ -46,7 +53,10 @@ TEST(DataOraTkk, PacksEachFieldInItsBits) {
 // date (year, month, day, hours, minutes, seconds) compares with the right
 // one, and the expected <, <=, >, >=, ==, !=.
 TEST(DataOraTkk, EachComparisonKeepsItsOwnRule) {
-  const struct { const char* fields; const char* expected; } cases[] = {
+  const struct {
+    const char* fields;
+    const char* expected;
+  } cases[] = {
       {"<<<<<<", "110001"}, {"<<<<<=", "010001"}, {"<<<<<>", "000001"}, {"======", "010110"},
       {"<=====", "010001"}, {"=<====", "010001"}, {"==<===", "010001"}, {"===<==", "010001"},
       {"====<=", "010001"}, {"=====<", "010001"}, {">=====", "001101"}, {"=>====", "001101"},
@@ -66,7 +76,7 @@ TEST(DataOraTkk, EachComparisonKeepsItsOwnRule) {
     a.DataOra.CopiaDaTm(MakeTm(2015 + l[0], l[1], l[2], l[3], l[4], l[5]));
     b.DataOra.CopiaDaTm(MakeTm(2015 + r[0], r[1], r[2], r[3], r[4], r[5]));
     const _SDataOraTkk &x = a.DataOra, &y = b.DataOra;
-    const bool got[] = {x < y, x <= y, x > y, x >= y, x == y, x != y};
+    const bool got[] = {x<y, x <= y, x> y, x >= y, x == y, x != y};
     for (int i = 0; i < 6; ++i) EXPECT_EQ(got[i], c.expected[i] == '1') << "operator " << i;
   }
 }
@@ -74,9 +84,14 @@ TEST(DataOraTkk, EachComparisonKeepsItsOwnRule) {
 // A clock never set (a year before 2001) still gives its time.
 TEST(DataOraTkk, CurrentTimeComesFromTheClock) {
   using fakeclock::Utc;
-  const struct { time_t now; bool set; int yday; } cases[] = {
-      {0, false, 0}, {Utc(2000, 12, 31, 23, 59, 59), false, 365}, {Utc(2001, 1, 1, 0, 0, 0), true, 0},
-      {Utc(2024, 3, 5, 12, 34, 56), true, 64}};
+  const struct {
+    time_t now;
+    bool set;
+    int yday;
+  } cases[] = {{0, false, 0},
+               {Utc(2000, 12, 31, 23, 59, 59), false, 365},
+               {Utc(2001, 1, 1, 0, 0, 0), true, 0},
+               {Utc(2024, 3, 5, 12, 34, 56), true, 64}};
   for (const auto& c : cases) {
     fakeclock::Freeze(c.now);
     tm t;
@@ -105,10 +120,25 @@ TEST(LittleEndian, EncodesAndDecodesEveryByteInPlace) {
 // Rounded half away from zero; past the range of int the result saturates and
 // NaN gives 0, the same on every processor.
 TEST(Coordinate, DegreesRoundToTheNearestStep) {
-  const struct { double degrees; int stored; } cases[] = {
-      {0.0, 0}, {-0.0, 0}, {0.00000004, 0}, {-0.00000004, 0}, {0.00000005, 1}, {-0.00000005, -1},
-      {45.12345675, 451234568}, {-45.12345675, -451234568}, {90.0, 900000000}, {-180.0, -1800000000},
-      {214.74836475, INT_MAX}, {1e300, INT_MAX}, {-214.74836485, INT_MIN}, {-1e300, INT_MIN}, {NAN, 0},
+  const struct {
+    double degrees;
+    int stored;
+  } cases[] = {
+      {0.0, 0},
+      {-0.0, 0},
+      {0.00000004, 0},
+      {-0.00000004, 0},
+      {0.00000005, 1},
+      {-0.00000005, -1},
+      {45.12345675, 451234568},
+      {-45.12345675, -451234568},
+      {90.0, 900000000},
+      {-180.0, -1800000000},
+      {214.74836475, INT_MAX},
+      {1e300, INT_MAX},
+      {-214.74836485, INT_MIN},
+      {-1e300, INT_MIN},
+      {NAN, 0},
   };
   for (const auto& c : cases) EXPECT_EQ(ConvertiLatLonAs32(c.degrees), c.stored) << c.degrees;
   EXPECT_EQ(ConvertiAltADouble(-1500), -1.5);
@@ -127,15 +157,20 @@ TEST(LogEvento, OneRecordPerReportUnderTheHostsMutex) {
   evtrec::Reset(true);
   fakeclock::Reset();
   const std::string path(2000, 'p');
-  const struct { SeveritaEvento severity; int priority; const char* word; } cases[] = {
-      {kAlert, 1, "ALERT"}, {kError, 3, "ERROR"}, {kNotice, 5, "NOTICE"}, {kInfo, 6, "INFO"}};
-  for (const auto& c : cases) LogEvento(c.severity.Priorita, c.severity.Parola, "Can't open file %s", path.c_str());
+  const struct {
+    SeveritaEvento severity;
+    int priority;
+    const char* word;
+  } cases[] = {{kAlert, 1, "ALERT"}, {kError, 3, "ERROR"}, {kNotice, 5, "NOTICE"}, {kInfo, 6, "INFO"}};
+  for (const auto& c : cases)
+    LogEvento(c.severity.Priorita, c.severity.Parola, "Can't open file %s", path.c_str());
   ASSERT_EQ(evtrec::Events().size(), 4u);
   for (size_t i = 0; i < 4; ++i) {
     const evtrec::Event& e = evtrec::Events()[i];
     EXPECT_EQ(e.priority, cases[i].priority);
     EXPECT_EQ(e.severity, cases[i].word);
-    const decltype(e.tags) tags = {{"test:tag", "value"}, {"msg", ("Can't open file " + path).substr(0, 1023)}};
+    const decltype(e.tags) tags = {{"test:tag", "value"},
+                                   {"msg", ("Can't open file " + path).substr(0, 1023)}};
     EXPECT_EQ(e.tags, tags);
     EXPECT_TRUE(e.logged && e.mutexHeldAtInit);
   }

@@ -27,29 +27,44 @@ const time_t kWhenUtc = fakeclock::Utc(2024, 3, 5, 12, 34, 56);
 // type flag in bit 40. Only the lowest bit of isDev counts; any non-zero
 // isVek is the maker's type. Neither writes past its eight bytes.
 TEST(TkkFlat, GuidLayouts) {
-  const struct { bool nome; int isVek, isDev, random; uint64_t expected; } cases[] = {
-      {false, 1, 0, 0x12345, kWord << 16 | 0x2345}, {false, 0, 0, 0, kWord << 16 | 1ull << 47},
-      {false, 1, 1, 0, kWord << 16 | 1ull << 48}, {false, 0, 1, 0xFFFF, kWord << 16 | 3ull << 47 | 0xFFFF},
-      {false, 1, 2, 0, kWord << 16}, {false, 2, 0, 0, kWord << 16},
-      {true, 1, 0, 0x1FF, kWord << 8 | 0xFF}, {true, 0, 0, 0, kWord << 8 | 1ull << 40},
-      {true, 1, 1, 0, kWord << 8 | 1ull << 39}, {true, 1, 2, 0, kWord << 8}, {true, 2, 0, 0, kWord << 8},
+  const struct {
+    bool nome;
+    int isVek, isDev, random;
+    uint64_t expected;
+  } cases[] = {
+      {false, 1, 0, 0x12345, kWord << 16 | 0x2345},
+      {false, 0, 0, 0, kWord << 16 | 1ull << 47},
+      {false, 1, 1, 0, kWord << 16 | 1ull << 48},
+      {false, 0, 1, 0xFFFF, kWord << 16 | 3ull << 47 | 0xFFFF},
+      {false, 1, 2, 0, kWord << 16},
+      {false, 2, 0, 0, kWord << 16},
+      {true, 1, 0, 0x1FF, kWord << 8 | 0xFF},
+      {true, 0, 0, 0, kWord << 8 | 1ull << 40},
+      {true, 1, 1, 0, kWord << 8 | 1ull << 39},
+      {true, 1, 2, 0, kWord << 8},
+      {true, 2, 0, 0, kWord << 8},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.nome << c.isVek << c.isDev);
     unsigned char out[9];
     memset(out, 0xEE, sizeof out);
-    c.nome ? tkkGenerateGuidNomeFile(out, c.isVek, c.isDev, &kWhen, c.random) : tkkGenerateGuid(out, c.isVek, c.isDev, &kWhen, static_cast<unsigned>(c.random));
+    c.nome ? tkkGenerateGuidNomeFile(out, c.isVek, c.isDev, &kWhen, c.random)
+           : tkkGenerateGuid(out, c.isVek, c.isDev, &kWhen, static_cast<unsigned>(c.random));
     EXPECT_EQ(make_tuple(DecodeFixed64(out), out[8]), make_tuple(c.expected, 0xEE));
     // The decoders give the flags back and write only the six date and time members.
     tm back = kWhen;
     back.tm_year = back.tm_mon = back.tm_mday = back.tm_hour = back.tm_min = back.tm_sec = 0;
-    back.tm_wday = 6; back.tm_yday = 300; back.tm_isdst = 1;
+    back.tm_wday = 6;
+    back.tm_yday = 300;
+    back.tm_isdst = 1;
     unsigned char isVek = 9, isDev = 9;
     (c.nome ? tkkDecodeGuidNomeFile : tkkDecodeGuid)(out, &isVek, &isDev, &back);
     const int untouched = back.tm_wday + back.tm_yday + back.tm_isdst;
-    EXPECT_EQ(make_tuple(isVek, isDev, untouched, timegm(&back)), (make_tuple<unsigned char, unsigned char>(c.isVek != 0, c.isDev & 1, 307, kWhenUtc)));
+    EXPECT_EQ(make_tuple(isVek, isDev, untouched, timegm(&back)),
+              (make_tuple<unsigned char, unsigned char>(c.isVek != 0, c.isDev & 1, 307, kWhenUtc)));
   }
-  EXPECT_EQ((std::vector<int>{tkkIsTipoVek(0), tkkIsTipoVek(1), tkkIsTipoVek(2), tkkIsDev(0), tkkIsDev(1), tkkIsDev(2)}),
+  EXPECT_EQ((std::vector<int>{tkkIsTipoVek(0), tkkIsTipoVek(1), tkkIsTipoVek(2), tkkIsDev(0), tkkIsDev(1),
+                              tkkIsDev(2)}),
             (std::vector<int>{1, 0, 0, 0, 1, 1}));
 }
 
@@ -57,10 +72,21 @@ TEST(TkkFlat, GuidLayouts) {
 // held; reading stops at the first character that is not a digit.
 TEST(TkkFlat, NamesAreEightBase36Digits) {
   const uint64_t largest = 0x7FFFFFFFull << 8 | 0xFF | 3ull << 39;
-  const struct { const char* text; uint64_t held; int ok; uint64_t value; const char* name; } cases[] = {
-      {"00000000", 0, 1, 0, "00000000"}, {"0000000z", 0, 1, 35, "0000000z"}, {"00000010", 0, 1, 36, "00000010"},
-      {"s27to3cv", 0, 1, largest, "s27to3cv"}, {"0k3f9zq1.tkk", 0, 1, 43742705689ull, "0k3f9zq1"},
-      {"00000010", 1000, 1, 1036, "000000ss"}, {"0000000Z", 0, 0, 0, nullptr}, {"0000Z00a", 0, 0, 10, nullptr},
+  const struct {
+    const char* text;
+    uint64_t held;
+    int ok;
+    uint64_t value;
+    const char* name;
+  } cases[] = {
+      {"00000000", 0, 1, 0, "00000000"},
+      {"0000000z", 0, 1, 35, "0000000z"},
+      {"00000010", 0, 1, 36, "00000010"},
+      {"s27to3cv", 0, 1, largest, "s27to3cv"},
+      {"0k3f9zq1.tkk", 0, 1, 43742705689ull, "0k3f9zq1"},
+      {"00000010", 1000, 1, 1036, "000000ss"},
+      {"0000000Z", 0, 0, 0, nullptr},
+      {"0000Z00a", 0, 0, 10, nullptr},
       {"z000000-", 0, 0, 0, nullptr},
   };
   for (const auto& c : cases) {
@@ -83,7 +109,8 @@ TEST(TkkFlat, NamesAreEightBase36Digits) {
 // character first, past the end).
 TEST(TkkFlat, NameReadingOfAShortNameStaysWithinIt) {
   const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-  char* map = static_cast<char*>(mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  char* map =
+      static_cast<char*>(mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
   ASSERT_NE(map, MAP_FAILED);
   ASSERT_EQ(mprotect(map + page, page, PROT_NONE), 0);
   for (const char* name : {"", "0", "0k3f", "0k3f9zq"}) {
@@ -113,15 +140,18 @@ TEST_F(Generators, IdentifiersCarryTheirSecondAndFlags) {
       unsigned char expected[8];
       tkkGenerateGuid(expected, f, dev, &kWhen, 0x4321);
       const std::string name = IGuidNomeFile::GetNomeFile(f, dev);
-      EXPECT_EQ(make_tuple(g.Valore, IGuidTkk::IsVek(g), IGuidTkk::IsDev(g), name.size()), make_tuple(DecodeFixed64(expected), f, !f, size_t{8}));
+      EXPECT_EQ(make_tuple(g.Valore, IGuidTkk::IsVek(g), IGuidTkk::IsDev(g), name.size()),
+                make_tuple(DecodeFixed64(expected), f, !f, size_t{8}));
       for (const std::string& text : {name, name + ".tkk"}) {
         tm t = kWhen;
-        t.tm_wday = 5; t.tm_isdst = 1;
+        t.tm_wday = 5;
+        t.tm_isdst = 1;
         bool isVek = !f, isDev = !dev;
         ASSERT_TRUE(IGuidNomeFile::GetDaNomeFile(text, t, isVek, isDev));
         const int untouched = t.tm_wday + t.tm_isdst;
         EXPECT_EQ(make_tuple(isVek, isDev, untouched, timegm(&t)), make_tuple(f, dev, 6, kWhenUtc));
-        isVek = !f; isDev = !dev;
+        isVek = !f;
+        isDev = !dev;
         ASSERT_TRUE(IGuidTkk::GetDaGuidTkk(g, t, isVek, isDev));
         EXPECT_EQ(make_tuple(isVek, isDev, timegm(&t)), make_tuple(f, dev, kWhenUtc));
       }

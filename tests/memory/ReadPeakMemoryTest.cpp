@@ -55,7 +55,8 @@ void ExpectSmallPeak(const std::string& path, Read read) {
 Bytes Atoms(const char* tag, const Bytes& payload, int count) {
   std::unique_ptr<IAtomTagEncoderBin> enc(IAtomTagEncoderBin::CreateMe());
   Bytes out;
-  for (int i = 0; i < count; ++i) enc->append(out, tag, payload.data(), static_cast<uint32_t>(payload.size()), 0);
+  for (int i = 0; i < count; ++i)
+    enc->append(out, tag, payload.data(), static_cast<uint32_t>(payload.size()), 0);
   return out;
 }
 
@@ -88,7 +89,8 @@ TEST(ReadPeakMemory, TrackFiles) {
   for (const Bytes& file : files) {
     fixtures::WriteAll(path, file);
     for (bool senzaLogo : {false, true})
-      ExpectSmallPeak(path, [&] { std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(path, true, senzaLogo)); });
+      ExpectSmallPeak(path,
+                      [&] { std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(path, true, senzaLogo)); });
   }
 }
 
@@ -97,7 +99,8 @@ TEST(ReadPeakMemory, SummaryFiles) {
   for (size_t size : {size_t{100}, size_t{128}, size_t{128 * 1000}, size_t{128 * 1000 + 1}}) {
     fixtures::WriteAll(dir.path() + "s.dat", Bytes(size, 0x41));
     std::unique_ptr<IFileRiassuntivo> read;
-    ExpectSmallPeak(dir.path() + "s.dat", [&] { read.reset(IFileRiassuntivo::CreateMeUponFile(dir.path() + "s.dat")); });
+    ExpectSmallPeak(dir.path() + "s.dat",
+                    [&] { read.reset(IFileRiassuntivo::CreateMeUponFile(dir.path() + "s.dat")); });
     EXPECT_EQ(static_cast<size_t>(read->GetNumRiassuntivi()), size % 128 == 0 ? size / 128 : 0) << size;
   }
 }

@@ -107,7 +107,9 @@ Bytes RandomBytes(size_t n, unsigned seed) {
   return bytes;
 }
 
-uint32_t Zlib(uint32_t crc, const unsigned char* p, size_t n) { return static_cast<uint32_t>(crc32(crc, p, static_cast<uInt>(n))); }
+uint32_t Zlib(uint32_t crc, const unsigned char* p, size_t n) {
+  return static_cast<uint32_t>(crc32(crc, p, static_cast<uInt>(n)));
+}
 
 // Every way this machine has, forced one at a time, across each way's
 // cut-overs (blocks of 256, 64, 16 and 8 bytes, the tails) from every
@@ -123,7 +125,8 @@ TEST(Crc32, EveryWayMatchesZlib) {
   for (size_t offset = 0; offset < 16; ++offset)
     for (size_t n = 0; n <= 300; ++n) {
       const uint32_t preset = presets[(offset + n) % 3];
-      ASSERT_EQ(crc32_detail::Corto(preset, bytes.data() + offset, n), Zlib(preset, bytes.data() + offset, n)) << n;
+      ASSERT_EQ(crc32_detail::Corto(preset, bytes.data() + offset, n), Zlib(preset, bytes.data() + offset, n))
+          << n;
     }
   Crc32Via fastest = Crc32Via::Portabile;
   for (Crc32Via via : {Crc32Via::Portabile, Crc32Via::Clmul, Crc32Via::Vpclmul, Crc32Via::Arm}) {
@@ -137,7 +140,8 @@ TEST(Crc32, EveryWayMatchesZlib) {
         ASSERT_EQ(Crc32Con(via, preset, p, n), Zlib(preset, p, n)) << "offset " << offset << " length " << n;
       }
     for (size_t n : {size_t{64} * 1024, large.size()})
-      for (uint32_t preset : presets) EXPECT_EQ(Crc32Con(via, preset, large.data(), n), Zlib(preset, large.data(), n));
+      for (uint32_t preset : presets)
+        EXPECT_EQ(Crc32Con(via, preset, large.data(), n), Zlib(preset, large.data(), n));
   }
   EXPECT_EQ(Crc32Scelta(), fastest);  // the fastest that the processor has
 }
@@ -147,7 +151,8 @@ TEST(Crc32, EveryWayMatchesZlib) {
 TEST(IStrConv, Latin1LocaleConvertsBothWays) {
   const std::string saved = setlocale(LC_CTYPE, nullptr);
   ASSERT_NE(setlocale(LC_CTYPE, "en_US.ISO-8859-1"), nullptr) << "test locale missing";
-  const std::string utf8 = "N\xC3\xBCrburgring Gro\xC3\x9F", latin1 = "N\xFCrburgring Gro\xDF", euro = "\xE2\x82\xAC 10";
+  const std::string utf8 = "N\xC3\xBCrburgring Gro\xC3\x9F", latin1 = "N\xFCrburgring Gro\xDF",
+                    euro = "\xE2\x82\xAC 10";
   EXPECT_EQ(IStrConv::convert_stringa_to_utf8(latin1), utf8);
   EXPECT_EQ(IStrConv::convert_utf8_to_stringa(utf8), latin1);
   EXPECT_EQ(IStrConv::convert_utf8_to_stringa(euro), euro);

@@ -66,7 +66,9 @@ TEST(SummaryF1, CircuitsThroughTheSummary) {
   const nlohmann::json locations = Load(kData + "/f1-locations.json");
   ASSERT_FALSE(locations.empty());
   for (const nlohmann::json& loc : locations) {
-    const std::string id = loc["id"], name = SaveCircuit(Load(kData + "/circuits/" + id + ".geojson")["features"][0], dir.path());
+    const std::string id = loc["id"],
+                      name = SaveCircuit(Load(kData + "/circuits/" + id + ".geojson")["features"][0],
+                                         dir.path());
     fileOf[id] = name;
     std::unique_ptr<IFileTkk> track(IFileTkk::CreateMeUponFile(dir.path() + name + ".tkk", true, true));
     summary.AddVarianteTkk(track.get(), 0);
@@ -75,10 +77,11 @@ TEST(SummaryF1, CircuitsThroughTheSummary) {
   ASSERT_EQ(summary.GetNumRiassuntivi(), n);
   using Set = bool (IFileRiassuntivo::*)(const std::string&, const std::string&, const std::string&);
   namespace rs = vektkk::riassunto;
-  const std::pair<Set, rs::Ordine> sets[] = {{&IFileRiassuntivo::CreaFileAlfabSortedSenzaNazione, rs::Ordine::AlfabeticoSenzaNazione},
-                                             {&IFileRiassuntivo::CreaFileAlfabSortedConNazione, rs::Ordine::AlfabeticoConNazione},
-                                             {&IFileRiassuntivo::CreaFileLatLonSorted, rs::Ordine::LatLon},
-                                             {&IFileRiassuntivo::CreaFileGuidSorted, rs::Ordine::Guid}};
+  const std::pair<Set, rs::Ordine> sets[] = {
+      {&IFileRiassuntivo::CreaFileAlfabSortedSenzaNazione, rs::Ordine::AlfabeticoSenzaNazione},
+      {&IFileRiassuntivo::CreaFileAlfabSortedConNazione, rs::Ordine::AlfabeticoConNazione},
+      {&IFileRiassuntivo::CreaFileLatLonSorted, rs::Ordine::LatLon},
+      {&IFileRiassuntivo::CreaFileGuidSorted, rs::Ordine::Guid}};
   for (const auto& set : sets) {
     const std::string p = dir.path() + "set";
     ASSERT_TRUE((summary.*set.first)(p + ".rsm", p + ".i2", p + ".i3"));
@@ -87,7 +90,8 @@ TEST(SummaryF1, CircuitsThroughTheSummary) {
     std::vector<const _SDatoRiassuntivo*> records;
     back->GetDatiRiassuntivi(records);
     ASSERT_EQ(records.size(), static_cast<size_t>(n));
-    for (size_t i = 1; i < records.size(); ++i) EXPECT_FALSE(rs::Precede(set.second, *records[i], *records[i - 1]));
+    for (size_t i = 1; i < records.size(); ++i)
+      EXPECT_FALSE(rs::Precede(set.second, *records[i], *records[i - 1]));
   }
   for (const nlohmann::json& loc : locations) {
     std::vector<int> found;

@@ -42,14 +42,16 @@ uint32_t Year(int year) { return static_cast<uint32_t>(year - 2015) << 26; }
 // A summary that owns copies of the records (null pointers stay null).
 std::unique_ptr<CFileRiassuntivo> Summary(std::initializer_list<const _SDatoRiassuntivo*> records) {
   std::unique_ptr<CFileRiassuntivo> s(new CFileRiassuntivo);
-  for (const _SDatoRiassuntivo* r : records) s->Lista().push_back(r != nullptr ? new _SDatoRiassuntivo(*r) : nullptr);
+  for (const _SDatoRiassuntivo* r : records)
+    s->Lista().push_back(r != nullptr ? new _SDatoRiassuntivo(*r) : nullptr);
   return s;
 }
 
 Bytes BytesOf(std::initializer_list<const _SDatoRiassuntivo*> records) {
   Bytes out;
   for (const _SDatoRiassuntivo* r : records)
-    out.insert(out.end(), reinterpret_cast<const unsigned char*>(r), reinterpret_cast<const unsigned char*>(r + 1));
+    out.insert(out.end(), reinterpret_cast<const unsigned char*>(r),
+               reinterpret_cast<const unsigned char*>(r + 1));
   return out;
 }
 
@@ -77,18 +79,27 @@ _SDatoRiassuntivo Full(const char* name, const char* country, const char* state,
 
 TEST(SummaryOrderings, EachRule) {
   const std::string full28(28, 'N');
-  struct Case { const char* what; rs::Ordine order; _SDatoRiassuntivo first, second; } const cases[] = {
+  struct Case {
+    const char* what;
+    rs::Ordine order;
+    _SDatoRiassuntivo first, second;
+  } const cases[] = {
       {"empty country first", rs::Ordine::AlfabeticoConNazione, Rec("Zeta", ""), Rec("Alfa", "AUT")},
       {"same country, by name", rs::Ordine::AlfabeticoConNazione, Rec("Alfa", "ITA"), Rec("Beta", "ITA")},
-      {"country into state", rs::Ordine::AlfabeticoConNazione, Full("Z", "ITAL", "A"), Full("A", "ITAL", "B")},
-      {"country into latitude", rs::Ordine::AlfabeticoConNazione, Full("Z", "ITAL", "ABCD", 1), Full("A", "ITAL", "ABCD", 2)},
-      {"name into country", rs::Ordine::AlfabeticoSenzaNazione, Full(full28.c_str(), "A", ""), Full(full28.c_str(), "B", "")},
+      {"country into state", rs::Ordine::AlfabeticoConNazione, Full("Z", "ITAL", "A"),
+       Full("A", "ITAL", "B")},
+      {"country into latitude", rs::Ordine::AlfabeticoConNazione, Full("Z", "ITAL", "ABCD", 1),
+       Full("A", "ITAL", "ABCD", 2)},
+      {"name into country", rs::Ordine::AlfabeticoSenzaNazione, Full(full28.c_str(), "A", ""),
+       Full(full28.c_str(), "B", "")},
       {"bytes above 127 after ASCII", rs::Ordine::AlfabeticoSenzaNazione, Rec("zz"), Rec("\xC3\x89tretat")},
       {"shorter name first", rs::Ordine::AlfabeticoSenzaNazione, Rec("Monza"), Rec("Monza Junior")},
       {"negative latitude first", rs::Ordine::LatLon, Rec("", "", -1, 9), Rec("", "", 1, -9)},
       {"then longitude", rs::Ordine::LatLon, Rec("", "", 5, -3), Rec("", "", 5, 2)},
-      {"GUID high word first", rs::Ordine::Guid, Rec("", "", 0, 0, 0x1FFFFFFFFull), Rec("", "", 0, 0, 0x200000000ull)},
-      {"then GUID low word", rs::Ordine::Guid, Rec("", "", 0, 0, 0x300000001ull), Rec("", "", 0, 0, 0x300000002ull)},
+      {"GUID high word first", rs::Ordine::Guid, Rec("", "", 0, 0, 0x1FFFFFFFFull),
+       Rec("", "", 0, 0, 0x200000000ull)},
+      {"then GUID low word", rs::Ordine::Guid, Rec("", "", 0, 0, 0x300000001ull),
+       Rec("", "", 0, 0, 0x300000002ull)},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -122,14 +133,16 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
     const _STagInfoVarianteTKK_fw& fw = file.GetTagInfoVariante(i)->InfoFw;
     const _SDatoRiassuntivo& r = *s.Lista()[static_cast<size_t>(i)];
     EXPECT_EQ(memcmp(r.Name, fw.NomeXDevice, 28) | memcmp(r.Country, fw.NationCode, 4) |
-                  memcmp(r.State, fw.SubNationCode, 4) | memcmp(&r.RifLat, &fw.LatRif, 12), 0);
+                  memcmp(r.State, fw.SubNationCode, 4) | memcmp(&r.RifLat, &fw.LatRif, 12),
+              0);
     // Copies of the packed fields: a reference to one may be misaligned.
-    EXPECT_EQ(std::make_tuple(float{r.Length}, unsigned{r.BeaconNumber}, int{r.BeaconType}, short{r.VariantIdx},
-                              r.GetNomeFile(), uint64_t{r.Guid.Valore}, uint32_t{r.Date.Valore},
-                              uint32_t{r.OffsetFw}, uint32_t{r.OffsetPti}),
-              std::make_tuple(float{fw.Lunghezza}, fw.InfoBeacons.GetNumeroSplit(BEACON_IN_USO),
-                              int{fw.InfoBeacons.TipoBeaconInUso}, i, nome, uint64_t{fw.Guid.Valore},
-                              uint32_t{fw.DataModifica.Valore}, file.GetOffsetDatiFw(i), file.GetOffsetPti(i)));
+    EXPECT_EQ(
+        std::make_tuple(float{r.Length}, unsigned{r.BeaconNumber}, int{r.BeaconType}, short{r.VariantIdx},
+                        r.GetNomeFile(), uint64_t{r.Guid.Valore}, uint32_t{r.Date.Valore},
+                        uint32_t{r.OffsetFw}, uint32_t{r.OffsetPti}),
+        std::make_tuple(float{fw.Lunghezza}, fw.InfoBeacons.GetNumeroSplit(BEACON_IN_USO),
+                        int{fw.InfoBeacons.TipoBeaconInUso}, i, nome, uint64_t{fw.Guid.Valore},
+                        uint32_t{fw.DataModifica.Valore}, file.GetOffsetDatiFw(i), file.GetOffsetPti(i)));
   }
 }
 
@@ -138,9 +151,13 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
 // names of a and b start their search at the same slot of the table of names.
 TEST(SummaryEdit, DeleteAndFindByFileName) {
   const _SDatoRiassuntivo a = Rec(""), b = Rec("", "", 0, 0, 0, "bbbbbc9e"), zero = Rec("", "", 0, 0, 0, "");
-  const std::pair<std::vector<std::string>, std::string> cases[] = {
-      {{"aaaaaaaa"}, "b0"}, {{"aaaaaaaa.tkk"}, "b0"}, {{"abc"}, "abaa"}, {{""}, "abaa"}, {{"cccccccc"}, "ab0aa"},
-      {{"bbbbbc9e", "aaaaaaaa"}, "0"}, {{"aaaaaaaa", "x", "", "bbbbbc9e"}, ""}};
+  const std::pair<std::vector<std::string>, std::string> cases[] = {{{"aaaaaaaa"}, "b0"},
+                                                                    {{"aaaaaaaa.tkk"}, "b0"},
+                                                                    {{"abc"}, "abaa"},
+                                                                    {{""}, "abaa"},
+                                                                    {{"cccccccc"}, "ab0aa"},
+                                                                    {{"bbbbbc9e", "aaaaaaaa"}, "0"},
+                                                                    {{"aaaaaaaa", "x", "", "bbbbbc9e"}, ""}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.first[0] + " ... " + c.first.back());
     std::unique_ptr<CFileRiassuntivo> s = Summary({&a, &b, &zero, &a, &a});
@@ -164,7 +181,7 @@ TEST(SummaryEdit, GuidAndVariantFinders) {
   _SDatoRiassuntivo r = Rec("", "", 0, 0, 0x0000123456789ABCull);
   r.VariantIdx = -1;
   _UGuidTkk other = r.Guid;
-  other.Valore ^= 1ull << 40;  // high word differs
+  other.Valore ^= 1ull << 40;                                                   // high word differs
   EXPECT_TRUE(rs::STrovaGuidTkk(r.Guid)(&r) && rs::STrovaIdxVariante(-1)(&r));  // the index sign-extended
   EXPECT_FALSE(rs::STrovaGuidTkk(other)(&r) || rs::STrovaIdxVariante(0xFFFF)(&r));
   EXPECT_FALSE(rs::STrovaGuidTkk(r.Guid)(nullptr) || rs::STrovaIdxVariante(0)(nullptr));
@@ -195,7 +212,11 @@ TEST(SummaryNearest, StrictThresholdAppendedResultsAndPlanarRule) {
 TEST(SummaryCompare, Rules) {
   // Dates here and there (0: the same record; 1: only Dummy differs), then the
   // list of each comparison (0 equal, 1 newer here, 2 newer elsewhere).
-  struct Case { const char* what; uint32_t here, there; int basic, extended; } const cases[] = {
+  struct Case {
+    const char* what;
+    uint32_t here, there;
+    int basic, extended;
+  } const cases[] = {
       {"identical", 0, 0, 0, 0},
       {"2031 against 2020", Year(2031), Year(2020), 2, 1},
       {"2030 against 2020", Year(2030), Year(2020), 2, 1},
@@ -204,7 +225,8 @@ TEST(SummaryCompare, Rules) {
       {"2020 against 2029", Year(2020), Year(2029), 2, 2},
       {"equal dates, Dummy differs", Year(2020), 1, 2, 2},
   };
-  _SDatoRiassuntivo onlyHere = Rec("H", "", 0, 0, 0, "hhhhhhhh"), onlyThere = Rec("E", "FRA", 0, 0, 0, "eeeeeeee");
+  _SDatoRiassuntivo onlyHere = Rec("H", "", 0, 0, 0, "hhhhhhhh"),
+                    onlyThere = Rec("E", "FRA", 0, 0, 0, "eeeeeeee");
   memcpy(onlyThere.State, "BY", 2);
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -220,8 +242,9 @@ TEST(SummaryCompare, Rules) {
     EXPECT_EQ(Flat(basic), (Pairs{{c.basic, "tttttttt"}, {3, "hhhhhhhh"}, {4, "eeeeeeee"}}));
     EXPECT_EQ(Flat(ext), (Pairs{{c.extended, "tttttttt"}, {3, "hhhhhhhh"}, {4, "eeeeeeee"}}));
     // Lists 1 to 4 carry this side's record, list 5 the other side's.
-    const SPistaEstesa& mine = c.extended == 0 ? ext.PisteUguali[0] : c.extended == 1 ? ext.PisteQuiPiuRecenti[0]
-                                                                                        : ext.PisteAltrovePiuRecenti[0];
+    const SPistaEstesa& mine = c.extended == 0   ? ext.PisteUguali[0]
+                               : c.extended == 1 ? ext.PisteQuiPiuRecenti[0]
+                                                 : ext.PisteAltrovePiuRecenti[0];
     const SPistaEstesa& theirs = ext.PisteSoloAltrove[0];
     EXPECT_EQ(std::string(mine.Country) + mine.Name, "ITAT");
     EXPECT_EQ(std::string(theirs.Country) + "/" + theirs.State + "/" + theirs.Name, "FRA/BY/E");
@@ -307,7 +330,8 @@ TEST(SummaryFile, AccessorsStayInTheListAndDirectoriesAreNotRead) {
   s->GetDatiRiassuntivi(all);
   EXPECT_EQ(all, (std::vector<const _SDatoRiassuntivo*>{nullptr, s->Lista()[1]}));
   EXPECT_FALSE(s->AddFromDir("/") || s->CreaDaDirettorio("/") || s->AggiungiDaDirettorio("/"));
-  EXPECT_EQ(std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMeUponDir("/"))->GetNumRiassuntivi(), 0);
+  EXPECT_EQ(std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMeUponDir("/"))->GetNumRiassuntivi(),
+            0);
 }
 
 // Positions count b's null entry; duplicates map to the first; an empty a
@@ -338,10 +362,22 @@ TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
   std::unique_ptr<CFileRiassuntivo> s = Summary({&d, &e, &d});
   CFileRiassuntivo empty;
   using Set = bool (IFileRiassuntivo::*)(const std::string&, const std::string&, const std::string&);
-  struct Case { Set set; Bytes file, i2, i3; } const cases[] = {
-      {&IFileRiassuntivo::CreaFileAlfabSortedSenzaNazione, BytesOf({&e, &d, &d}), {2, 0, 0, 0, 0, 0}, {0, 0, 1, 0, 1, 0}},
-      {&IFileRiassuntivo::CreaFileAlfabSortedConNazione, BytesOf({&d, &d, &e}), {0, 0, 0, 0, 2, 0}, {1, 0, 1, 0, 0, 0}},
-      {&IFileRiassuntivo::CreaFileLatLonSorted, BytesOf({&d, &d, &e}), {1, 0, 1, 0, 0, 0}, {1, 0, 1, 0, 0, 0}},
+  struct Case {
+    Set set;
+    Bytes file, i2, i3;
+  } const cases[] = {
+      {&IFileRiassuntivo::CreaFileAlfabSortedSenzaNazione,
+       BytesOf({&e, &d, &d}),
+       {2, 0, 0, 0, 0, 0},
+       {0, 0, 1, 0, 1, 0}},
+      {&IFileRiassuntivo::CreaFileAlfabSortedConNazione,
+       BytesOf({&d, &d, &e}),
+       {0, 0, 0, 0, 2, 0},
+       {1, 0, 1, 0, 0, 0}},
+      {&IFileRiassuntivo::CreaFileLatLonSorted,
+       BytesOf({&d, &d, &e}),
+       {1, 0, 1, 0, 0, 0},
+       {1, 0, 1, 0, 0, 0}},
       {&IFileRiassuntivo::CreaFileGuidSorted, BytesOf({&e, &d, &d}), {0, 0, 1, 0, 1, 0}, {2, 0, 0, 0, 0, 0}},
   };
   for (const Case& c : cases) {
@@ -362,8 +398,9 @@ TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
 // sort by country, then name.
 TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   fixtures::TempDir dir;
-  _SDatoRiassuntivo r = Rec("Mon;za 100%\xC3\x89\xFF\n\xED\xA0\x80\xF4\x90\x80\x80", "ITA", 456200000, 92800000,
-                            0x0001800000001234ull, "0k3f9zq1", 7u | 5u << 6 | 14u << 12 | 30u << 17 | 4u << 22 | 9u << 26 | 1u << 31);
+  _SDatoRiassuntivo r = Rec("Mon;za 100%\xC3\x89\xFF\n\xED\xA0\x80\xF4\x90\x80\x80", "ITA", 456200000,
+                            92800000, 0x0001800000001234ull, "0k3f9zq1",
+                            7u | 5u << 6 | 14u << 12 | 30u << 17 | 4u << 22 | 9u << 26 | 1u << 31);
   r.RifAlt = -12000;
   r.Length = 5793.456f;
   r.BeaconNumber = 3;
@@ -377,11 +414,16 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   evtrec::Reset();
   ASSERT_TRUE(Summary({&r, &first})->CreaFileAlfabSortedConNazioneTestuale(t));
   const Bytes text = ReadAll(t);
-  EXPECT_EQ(std::string(text.begin(), text.end()),
-            "Name;Country;State;RifLat;RIfLon;RifAlt;Length;BeaconNumber;BeaconType;VariantIdx;FileName;Guid;Date;"
-            "OffsetFw;OffsetPti;Dummy\nB\xC3\x89;FRA;;0;0;0;0.00;0;1;0;aaaaaaaa;0:0:0:0:0:0:0:0:0:0;0:0:0:0:0:0:0;0;0;" +
-                std::string(88, '0') + "\nMon%3Bza 100%25\xC3\x89%FF%0A%ED%A0%80%F4%90%80%80;ITA;;456200000;92800000;-12000;5793.46;3;2;-1;"
-                "0k3f9zq1;4660:0:0:0:0:0:0:1:1:0;7:5:14:30:4:9:1;280;1234;ab" + std::string(86, '0') + "\n");
+  EXPECT_EQ(
+      std::string(text.begin(), text.end()),
+      "Name;Country;State;RifLat;RIfLon;RifAlt;Length;BeaconNumber;BeaconType;VariantIdx;FileName;Guid;Date;"
+      "OffsetFw;OffsetPti;Dummy\nB\xC3\x89;FRA;;0;0;0;0.00;0;1;0;aaaaaaaa;0:0:0:0:0:0:0:0:0:0;0:0:0:0:0:0:0;"
+      "0;0;" +
+          std::string(88, '0') +
+          "\nMon%3Bza "
+          "100%25\xC3\x89%FF%0A%ED%A0%80%F4%90%80%80;ITA;;456200000;92800000;-12000;5793.46;3;2;-1;"
+          "0k3f9zq1;4660:0:0:0:0:0:0:1:1:0;7:5:14:30:4:9:1;280;1234;ab" +
+          std::string(86, '0') + "\n");
   // A file that cannot be written is reported; each null record too, and skipped.
   EXPECT_FALSE(CFileRiassuntivo::ScriviRiassuntivoTestuale({&r}, dir.path() + "no/t.txt"));
   EXPECT_TRUE(CFileRiassuntivo::ScriviRiassuntivoTestuale({nullptr, &first, nullptr, &r}, t));
@@ -389,7 +431,8 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   ASSERT_EQ(evtrec::Events().size(), 3u);
   EXPECT_EQ(evtrec::Events()[0].severity, "ERROR");
   EXPECT_EQ(evtrec::Events()[0].Message(), "file " + dir.path() + "no/t.txt is already open");
-  EXPECT_EQ(evtrec::Events()[1].Message() + evtrec::Events()[2].Message(), "pvar empty pointerpvar empty pointer");
+  EXPECT_EQ(evtrec::Events()[1].Message() + evtrec::Events()[2].Message(),
+            "pvar empty pointerpvar empty pointer");
 }
 
 }  // namespace

@@ -12,7 +12,8 @@ namespace fakeclock {
 
 void Freeze(time_t t);  // time() returns `t`; every usleep() advances it by the time slept
 void QueueRand(std::initializer_list<int> values);  // the next rand() results, then the C library's
-// Since Reset(): usleep() calls and microseconds asked for, lock and unlock calls on the host's event-log mutex.
+// Since Reset(): usleep() calls and microseconds asked for, lock and unlock calls on the host's event-log
+// mutex.
 int UsleepCalls();
 long long UsleepMicros();
 int EvtMutexLocks();

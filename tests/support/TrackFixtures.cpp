@@ -17,11 +17,15 @@ TempDir::TempDir() {
   if (mkdtemp(&pattern[0]) == nullptr) abort();
   path_ = pattern + "/";
 }
-TempDir::~TempDir() { std::error_code ignored; std::filesystem::remove_all(path_, ignored); }
+TempDir::~TempDir() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
 std::vector<std::string> TempDir::Entries() const {
   std::vector<std::string> names;
   std::error_code ignored;  // a directory already gone has no entries
-  for (const auto& e : std::filesystem::directory_iterator(path_, ignored)) names.push_back(e.path().filename());
+  for (const auto& e : std::filesystem::directory_iterator(path_, ignored))
+    names.push_back(e.path().filename());
   std::sort(names.begin(), names.end());
   return names;
 }
@@ -59,7 +63,8 @@ std::unique_ptr<CFileTkk> MakeRandomTrack(uint32_t seed, bool readOnly) {
       p = {static_cast<int32_t>(rng()), static_cast<int32_t>(rng()), static_cast<int32_t>(rng() % 100000)};
     _STagIndexesVarianteTKK idx;
     idx.IdxPunti = track->AddTagDatiPuntiTracciato(shape);
-    idx.IdxFondiStradali = track->AddDatiFondoStradale(std::vector<_eTipoRoadSurfaceTkk>(1 + rng() % 3, FONDO_DIRT));
+    idx.IdxFondiStradali =
+        track->AddDatiFondoStradale(std::vector<_eTipoRoadSurfaceTkk>(1 + rng() % 3, FONDO_DIRT));
     idx.IdxLogo = 0xFFFF;
     if (rng() % 2 == 0) {
       std::vector<unsigned char> image(10 + rng() % 300);

@@ -44,4 +44,3 @@ std::unique_ptr<CFileTkk> MakeRandomTrack(uint32_t seed, bool readOnly = false);
 std::unique_ptr<CFileTkk> MakeSmallTrack();
 
 }  // namespace fixtures
-

@@ -33,7 +33,8 @@ time_t g_now = 0;                                 // when frozen
 long long g_sleptMicros = 0, g_usleepMicros = 0;  // slept since then, and in all
 std::deque<int> g_rand;
 int g_usleepCalls = 0, g_locks = 0, g_unlocks = 0;  // on the host's event-log mutex
-bool g_failDecoder = false, g_failEncoder = false, g_plain = false, g_noLinks = false, g_noExclusiveRename = false;
+bool g_failDecoder = false, g_failEncoder = false, g_plain = false, g_noLinks = false,
+     g_noExclusiveRename = false;
 unsigned g_renameDelayUs = 0;
 unsigned long g_accessCalls = 0;
 
@@ -44,12 +45,15 @@ evtrec::Event& EventOf(EVTREC* record) { return g_events.at(reinterpret_cast<siz
 // The real coder behind nothing but the one operation of the interface.
 struct PlainDecoder : IAtomTagDecoderBin {
   explicit PlainDecoder(IAtomTagDecoderBin* r) : real(r) {}
-  bool decode(const unsigned char* b, size_t n, std::vector<SAtomTag>& atoms) override { return real->decode(b, n, atoms); }
+  bool decode(const unsigned char* b, size_t n, std::vector<SAtomTag>& atoms) override {
+    return real->decode(b, n, atoms);
+  }
   std::unique_ptr<IAtomTagDecoderBin> real;
 };
 struct PlainEncoder : IAtomTagEncoderBin {
   explicit PlainEncoder(IAtomTagEncoderBin* r) : real(r) {}
-  bool append(std::vector<unsigned char>& out, const std::string& tag, const void* p, uint32_t n, int flag) override {
+  bool append(std::vector<unsigned char>& out, const std::string& tag, const void* p, uint32_t n,
+              int flag) override {
     return real->append(out, tag, p, n, flag);
   }
   std::unique_ptr<IAtomTagEncoderBin> real;
@@ -73,10 +77,13 @@ int fakeclock::UsleepCalls() { return g_usleepCalls; }
 long long fakeclock::UsleepMicros() { return g_usleepMicros; }
 int fakeclock::EvtMutexLocks() { return g_locks; }
 int fakeclock::EvtMutexUnlocks() { return g_unlocks; }
-void fakeclock::Reset() { g_frozen = false, g_rand.clear(), g_usleepCalls = g_locks = g_unlocks = 0, g_usleepMicros = 0; }
+void fakeclock::Reset() {
+  g_frozen = false, g_rand.clear(), g_usleepCalls = g_locks = g_unlocks = 0, g_usleepMicros = 0;
+}
 tm fakeclock::MakeTm(int year, int month, int day, int hour, int minute, int second) {
   tm t{};
-  t.tm_year = year - 1900, t.tm_mon = month - 1, t.tm_mday = day, t.tm_hour = hour, t.tm_min = minute, t.tm_sec = second;
+  t.tm_year = year - 1900, t.tm_mon = month - 1, t.tm_mday = day, t.tm_hour = hour, t.tm_min = minute,
+  t.tm_sec = second;
   return t;
 }
 time_t fakeclock::Utc(int year, int month, int day, int hour, int minute, int second) {
@@ -87,7 +94,9 @@ time_t fakeclock::Utc(int year, int month, int day, int hour, int minute, int se
 void faults::FailDecoderCreation(bool fail) { g_failDecoder = fail; }
 void faults::FailEncoderCreation(bool fail) { g_failEncoder = fail; }
 void faults::PlainContainer(bool plain) { g_plain = plain; }
-void faults::NoHardLinks(bool noLinks, bool noExclusiveRename) { g_noLinks = noLinks, g_noExclusiveRename = noExclusiveRename; }
+void faults::NoHardLinks(bool noLinks, bool noExclusiveRename) {
+  g_noLinks = noLinks, g_noExclusiveRename = noExclusiveRename;
+}
 void faults::SlowRename(unsigned microseconds) { g_renameDelayUs = microseconds; }
 void faults::ResetAccessCount() { g_accessCalls = 0; }
 unsigned long faults::AccessCount() { return g_accessCalls; }
@@ -97,7 +106,9 @@ EVTREC* evt_rec_init(EVTCONTEXT*, int syslog_pri, const char* desc) {
   g_events.push_back(evtrec::Event{syslog_pri, desc, {}, g_locks - g_unlocks == 1, false});
   return reinterpret_cast<EVTREC*>(g_events.size());
 }
-EVTTAG* evt_tag_str(const char* tag, const char* value) { return reinterpret_cast<EVTTAG*>(new Tag(tag, value)); }
+EVTTAG* evt_tag_str(const char* tag, const char* value) {
+  return reinterpret_cast<EVTTAG*>(new Tag(tag, value));
+}
 void evt_rec_add_tags(EVTREC* e, EVTTAG* first, ...) {
   va_list args;
   va_start(args, first);
@@ -139,7 +150,9 @@ int __wrap_rand(void) {
   g_rand.pop_front();
   return value;
 }
-int __wrap_usleep(useconds_t micros) { return ++g_usleepCalls, g_usleepMicros += micros, g_sleptMicros += micros, 0; }
+int __wrap_usleep(useconds_t micros) {
+  return ++g_usleepCalls, g_usleepMicros += micros, g_sleptMicros += micros, 0;
+}
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   const int rc = __real_pthread_mutex_lock(mutex);
   g_locks += mutex == &vek_evtcontext_mutex;
@@ -157,9 +170,13 @@ IAtomTagEncoderBin* __wrap__ZN18IAtomTagEncoderBin8CreateMeEv() {
   IAtomTagEncoderBin* real = g_failEncoder ? nullptr : __real__ZN18IAtomTagEncoderBin8CreateMeEv();
   return g_plain && real != nullptr ? new PlainEncoder(real) : real;
 }
-int __wrap_rename(const char* from, const char* to) { return g_renameDelayUs && __real_usleep(g_renameDelayUs), __real_rename(from, to); }
+int __wrap_rename(const char* from, const char* to) {
+  return g_renameDelayUs && __real_usleep(g_renameDelayUs), __real_rename(from, to);
+}
 int __wrap_access(const char* path, int mode) { return ++g_accessCalls, __real_access(path, mode); }
-int __wrap_link(const char* from, const char* to) { return g_noLinks ? (errno = EPERM, -1) : __real_link(from, to); }
+int __wrap_link(const char* from, const char* to) {
+  return g_noLinks ? (errno = EPERM, -1) : __real_link(from, to);
+}
 int __wrap_renameat2(int olddirfd, const char* from, int newdirfd, const char* to, unsigned flags) {
   return g_noExclusiveRename ? (errno = EINVAL, -1) : __real_renameat2(olddirfd, from, newdirfd, to, flags);
 }

@@ -19,8 +19,8 @@ namespace {
 
 // The f1 circuit outlines live outside the project; a build that has none
 // skips the tests that need them.
-#define NEEDS_F1_CIRCUITS()                                                \
-  if (access(F1_CIRCUITS "/f1-locations.json", R_OK) != 0)                 \
+#define NEEDS_F1_CIRCUITS()                                \
+  if (access(F1_CIRCUITS "/f1-locations.json", R_OK) != 0) \
   GTEST_SKIP() << "no f1 circuit outlines at " F1_CIRCUITS " (set VEKTKK_F1_DATA)"
 
 struct Result {
@@ -74,9 +74,11 @@ std::map<std::string, std::string> ImportF1(const std::string& tracks) {
     const nlohmann::json info = nlohmann::json::parse(Tkk("info --json " + track).out);
     // The data set's Estoril outline is the 4.18 km layout in use since
     // 2000, while its length property is that of the older 4.35 km one.
-    const double length = name == "pt-1972.geojson"
-                              ? 4182.0
-                              : nlohmann::json::parse(Slurp(circuits + "/" + name))["features"][0]["properties"]["length"].get<double>();
+    const double length =
+        name == "pt-1972.geojson"
+            ? 4182.0
+            : nlohmann::json::parse(Slurp(circuits + "/" + name))["features"][0]["properties"]["length"]
+                  .get<double>();
     EXPECT_NEAR(info["variants"][0]["length"]["metres"].get<double>(), length, 0.03 * length);
   }
   EXPECT_GE(made.size(), 30u);
@@ -91,7 +93,8 @@ TEST(TkkEndToEnd, EveryF1CircuitImportsWithItsLengthAndExportsInEveryFormat) {
   NEEDS_F1_CIRCUITS();
   const std::string exports = FreshDir("exports");
   for (const auto& made : ImportF1(FreshDir("tracks"))) {
-    const nlohmann::json map = nlohmann::json::parse(Slurp(std::string(F1_CIRCUITS) + "/circuits/" + made.first + ".geojson"));
+    const nlohmann::json map =
+        nlohmann::json::parse(Slurp(std::string(F1_CIRCUITS) + "/circuits/" + made.first + ".geojson"));
     const size_t points = map["features"][0]["geometry"]["coordinates"].size();
     for (const std::string format : {"geojson", "gpx", "kml"}) {
       SCOPED_TRACE(made.first + "." + format);
@@ -101,9 +104,13 @@ TEST(TkkEndToEnd, EveryF1CircuitImportsWithItsLengthAndExportsInEveryFormat) {
       size_t read = 0;
       if (format == "gpx") {
         const std::string info = Sh("ogrinfo -ro -so '" + out + "' track_points").out;
-        read = info.find("Feature Count: ") == std::string::npos ? 0 : std::stoul(info.substr(info.find("Feature Count: ") + 15));
+        read = info.find("Feature Count: ") == std::string::npos
+                   ? 0
+                   : std::stoul(info.substr(info.find("Feature Count: ") + 15));
       } else {
-        std::istringstream lines(Sh("ogrinfo -ro -al -q '" + out + (format == "kml" ? "' Outlines" : "' -where \"role='outline'\"")).out);
+        std::istringstream lines(Sh("ogrinfo -ro -al -q '" + out +
+                                    (format == "kml" ? "' Outlines" : "' -where \"role='outline'\""))
+                                     .out);
         for (std::string line; std::getline(lines, line);)
           if (line.rfind("  LINESTRING", 0) == 0) read += 1 + std::count(line.begin(), line.end(), ',');
       }
@@ -123,9 +130,10 @@ TEST(TkkEndToEnd, SummaryOfTheF1CircuitsFindsEachNearestAndTellsWhatChanged) {
 
   // The catalogue page as a browser has it after loading: a row and an
   // outline picture per variant.
-  const Result dom = Sh("timeout 120 chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run "
-                        "--disable-background-networking --disable-component-update --disable-sync --user-data-dir=" +
-                        FreshDir("chromium-profile") + " --dump-dom file://" + out + "/index.html");
+  const Result dom =
+      Sh("timeout 120 chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run "
+         "--disable-background-networking --disable-component-update --disable-sync --user-data-dir=" +
+         FreshDir("chromium-profile") + " --dump-dom file://" + out + "/index.html");
   ASSERT_EQ(dom.status, 0) << dom.err;
   size_t rows = 0;
   for (size_t at = dom.out.find("<tr class=\"variant\""); at != std::string::npos;
@@ -137,7 +145,8 @@ TEST(TkkEndToEnd, SummaryOfTheF1CircuitsFindsEachNearestAndTellsWhatChanged) {
 
   for (const auto& place : nlohmann::json::parse(Slurp(std::string(F1_CIRCUITS) + "/f1-locations.json"))) {
     SCOPED_TRACE(place["id"].get<std::string>());
-    const Result r = Tkk("nearest --json --limit 3 " + out + "/summary.bin " + place["lat"].dump() + " " + place["lon"].dump());
+    const Result r = Tkk("nearest --json --limit 3 " + out + "/summary.bin " + place["lat"].dump() + " " +
+                         place["lon"].dump());
     ASSERT_EQ(r.status, 0) << r.err;
     const nlohmann::json nearest = nlohmann::json::parse(r.out);
     ASSERT_FALSE(nearest.empty());
@@ -148,8 +157,10 @@ TEST(TkkEndToEnd, SummaryOfTheF1CircuitsFindsEachNearestAndTellsWhatChanged) {
   // Two tracks deleted, two replaced by other tracks under their own names.
   const std::string later = FreshDir("summary-later");
   ASSERT_EQ(system(("cp " + out + "/summary.bin " + later + "/old.bin").c_str()), 0);
-  ASSERT_EQ(system(("rm " + made.at("it-1922") + " " + made.at("gb-1948") + " && cp " + made.at("be-1925") + " " +
-                    made.at("mc-1929") + " && cp " + made.at("br-1940") + " " + made.at("jp-1962")).c_str()), 0);
+  ASSERT_EQ(system(("rm " + made.at("it-1922") + " " + made.at("gb-1948") + " && cp " + made.at("be-1925") +
+                    " " + made.at("mc-1929") + " && cp " + made.at("br-1940") + " " + made.at("jp-1962"))
+                       .c_str()),
+            0);
   ASSERT_EQ(Tkk("summary build " + tracks + " -o " + later).status, 0);
   const Result diff = Tkk("diff --json " + later + "/old.bin " + later + "/summary.bin");
   ASSERT_EQ(diff.status, 0) << diff.err;
@@ -160,8 +171,10 @@ TEST(TkkEndToEnd, SummaryOfTheF1CircuitsFindsEachNearestAndTellsWhatChanged) {
       for (const auto& e : d[kind]) files.insert(e["fileName"].get<std::string>());
     return files;
   };
-  EXPECT_EQ(names({"removed"}), (std::set<std::string>{FileNameOf(made.at("it-1922")), FileNameOf(made.at("gb-1948"))}));
-  EXPECT_EQ(names({"newer", "older"}), (std::set<std::string>{FileNameOf(made.at("mc-1929")), FileNameOf(made.at("jp-1962"))}));
+  EXPECT_EQ(names({"removed"}),
+            (std::set<std::string>{FileNameOf(made.at("it-1922")), FileNameOf(made.at("gb-1948"))}));
+  EXPECT_EQ(names({"newer", "older"}),
+            (std::set<std::string>{FileNameOf(made.at("mc-1929")), FileNameOf(made.at("jp-1962"))}));
   EXPECT_TRUE(d["new"].empty());
   EXPECT_EQ(d["equal"].size(), made.size() - 4);
   EXPECT_EQ(d["removed"][0]["nation"].get<std::string>().size(), 2u);
@@ -173,7 +186,8 @@ TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
     std::ofstream(in + "/" + name) << text;
     return in + "/" + name;
   };
-  const std::string good = write("good.geojson", R"({"type":"LineString","coordinates":[[9,45],[9.01,45],[9,45.01]]})");
+  const std::string good =
+      write("good.geojson", R"({"type":"LineString","coordinates":[[9,45],[9.01,45],[9,45.01]]})");
   ASSERT_EQ(Tkk("new " + good + " -o " + in).status, 0);
   const std::string track = in + "/" + Entries(in)[0], bytes = Slurp(track);
   std::ofstream(in + "/cut.tkk", std::ios::binary) << bytes.substr(0, bytes.size() / 2);
@@ -183,8 +197,13 @@ TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
       "new " + in + " -o " + out,
       "new " + good + " " + write("point.geojson", R"({"type":"Point","coordinates":[9,45]})") + " -o " + out,
       "new " + write("empty.gpx", "<gpx><trk><name>x</name><trkseg/></trk></gpx>") + " -o " + out,
-      "new " + write("lat.gpx", R"(<gpx><trk><trkseg><trkpt lat="95" lon="9"/><trkpt lat="45" lon="9"/></trkseg></trk></gpx>)") + " -o " + out,
-      "new " + write("text.geojson", R"({"type":"LineString","coordinates":[[9,45],["9,1",45]]})") + " -o " + out,
+      "new " +
+          write(
+              "lat.gpx",
+              R"(<gpx><trk><trkseg><trkpt lat="95" lon="9"/><trkpt lat="45" lon="9"/></trkseg></trk></gpx>)") +
+          " -o " + out,
+      "new " + write("text.geojson", R"({"type":"LineString","coordinates":[[9,45],["9,1",45]]})") + " -o " +
+          out,
       "info " + in + "/cut.tkk",
       "export " + in + "/cut.tkk --format kml -o " + out + "/x.kml",
       "render " + in + " -o " + out + "/x.svg",
@@ -216,7 +235,8 @@ TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
 TEST(TkkEndToEnd, CheckFailsWithStatusOneAndVerboseShowsTheLibrarysReports) {
   const std::string dir = FreshDir("check");
   // The finish line 2 km from the centre of the outline.
-  std::ofstream(dir + "/far.geojson") << R"({"type":"LineString","coordinates":[[9,45],[9,45.04],[9.001,45.04]]})";
+  std::ofstream(dir + "/far.geojson")
+      << R"({"type":"LineString","coordinates":[[9,45],[9,45.04],[9.001,45.04]]})";
   const Result made = Tkk("-v new " + dir + "/far.geojson -o " + dir + " --nation RU");
   ASSERT_EQ(made.status, 0);
   EXPECT_NE(made.err.find("Timezone not managed for nation RU"), std::string::npos) << made.err;

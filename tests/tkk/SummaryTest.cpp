@@ -45,7 +45,8 @@ std::unique_ptr<IFileTkk> Square(const char* name, double lat, double lon, size_
   c.nation = "IT";
   for (size_t i = 0; i < layouts; ++i) {
     const double d = 0.004 / static_cast<double>(i + 1);
-    c.layouts.push_back({layouts == 1 ? "" : "L" + std::to_string(i), {{lat, lon}, {lat, lon + d}, {lat + d, lon + d}, {lat + d, lon}}});
+    c.layouts.push_back({layouts == 1 ? "" : "L" + std::to_string(i),
+                         {{lat, lon}, {lat, lon + d}, {lat + d, lon + d}, {lat + d, lon}}});
   }
   return BuildTrack(c, NewTrackOptions());
 }
@@ -109,8 +110,8 @@ TEST(TrackFiles, SavedTracksReopenAndUnreadableOnesAreBadInput) {
   for (const std::string& notADir : {dir.path + "/missing", written[0]})
     EXPECT_EQ(Why([&] { SaveTracks(tracks, notADir); }), notADir + ": output folder does not exist");
   const std::string bytes = dir.Read(written[0].substr(dir.path.size() + 1));
-  for (const std::string& bad : {dir.Write("cut.tkk", bytes.substr(0, bytes.size() - 5)), dir.Write("empty.tkk", ""),
-                                 dir.path, dir.path + "/none.tkk"})
+  for (const std::string& bad : {dir.Write("cut.tkk", bytes.substr(0, bytes.size() - 5)),
+                                 dir.Write("empty.tkk", ""), dir.path, dir.path + "/none.tkk"})
     EXPECT_THROW(OpenTrack(bad), BadInput) << bad;
 }
 
@@ -122,14 +123,16 @@ TEST(SummaryInput, DegreesAndSummaryFiles) {
   TempDir dir;
   EXPECT_EQ(OpenSummary(dir.Write("empty.bin", ""))->GetNumRiassuntivi(), 0);
   EXPECT_EQ(OpenSummary(dir.Write("two.bin", std::string(256, '\0')))->GetNumRiassuntivi(), 2);
-  for (const std::string& bad : {dir.Write("cut.bin", std::string(129, '\0')), dir.path + "/missing", dir.path})
+  for (const std::string& bad :
+       {dir.Write("cut.bin", std::string(129, '\0')), dir.path + "/missing", dir.path})
     EXPECT_THROW(OpenSummary(bad), BadInput) << bad;
 }
 
 TEST_F(TwoTracks, SummaryHoldsThemInNameOrderVariantByVariantAndListsUnreadableOnes) {
   TempDir out, none;
   std::vector<size_t> progress;
-  const SummaryBuild build = BuildSummary(dir.path, [&](size_t done, size_t total) { progress.push_back(done * total); });
+  const SummaryBuild build =
+      BuildSummary(dir.path, [&](size_t done, size_t total) { progress.push_back(done * total); });
   EXPECT_EQ(progress, (std::vector<size_t>{3, 6, 9}));
   ASSERT_EQ(build.tracks.size(), 2u);
   ASSERT_EQ(build.skipped.size(), 1u);
@@ -148,7 +151,8 @@ TEST_F(TwoTracks, SummaryHoldsThemInNameOrderVariantByVariantAndListsUnreadableO
   WriteSummarySet(*build.summary, out.path);
   for (const std::string& name : SummarySetFiles()) EXPECT_FALSE(out.Read(name).empty()) << name;
   EXPECT_EQ(OpenSummary(out.path + "/by-guid.bin")->GetNumRiassuntivi(), 3);
-  EXPECT_THROW(WriteSummarySet(*std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMe()), none.path), BadInput);
+  EXPECT_THROW(WriteSummarySet(*std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMe()), none.path),
+               BadInput);
   EXPECT_NO_THROW(WriteSummarySet(*OpenSummary(none.Write("one.bin", std::string(128, '\0'))), none.path));
   EXPECT_THROW(BuildSummary(dir.path + "/notes.txt"), BadInput);
 }
@@ -156,7 +160,8 @@ TEST_F(TwoTracks, SummaryHoldsThemInNameOrderVariantByVariantAndListsUnreadableO
 // Columns line up by characters, not bytes.
 TEST(ListSummary, EveryRecordInItsOrderAndAsATable) {
   TempDir dir;
-  std::vector<_SDatoRiassuntivo> records = {Record("aaaaaaaa", 0, "Nürburgring", 0), Record("bbbbbbbb", 1, "Imola", 0)};
+  std::vector<_SDatoRiassuntivo> records = {Record("aaaaaaaa", 0, "Nürburgring", 0),
+                                            Record("bbbbbbbb", 1, "Imola", 0)};
   records[1].Length = 4909.0f;
   records[1].RifLat = -338000000;
   const nlohmann::json list = ListSummary(*OpenSummary(dir.Write("s.bin", Bytes(records))));
@@ -167,7 +172,8 @@ TEST(ListSummary, EveryRecordInItsOrderAndAsATable) {
   EXPECT_EQ(list[1]["lat"], -33.8);
   const std::string text = ListText(list);
   EXPECT_NE(text.find("\n1  bbbbbbbb    1  Imola        IT             -33.80000  0.00000  4.909 km  2015-"),
-            std::string::npos) << text;
+            std::string::npos)
+      << text;
   EXPECT_EQ(text.substr(text.size() - 11), "2 variants\n");
 }
 
@@ -181,7 +187,8 @@ TEST_F(TwoTracks, NearestFirstWithinReachAndLimited) {
   EXPECT_EQ(all[0]["name"], "Imola");
   EXPECT_EQ(all[0]["nation"], "IT");
   for (size_t i = 1; i < all.size(); ++i) EXPECT_LE(all[i - 1]["distanceM"], all[i]["distanceM"]);
-  EXPECT_NEAR(all[0]["distanceM"].get<double>(), HaversineM({44.5, 11.0, 0}, {all[0]["lat"], all[0]["lon"], 0}), 0.1);
+  EXPECT_NEAR(all[0]["distanceM"].get<double>(),
+              HaversineM({44.5, 11.0, 0}, {all[0]["lat"], all[0]["lon"], 0}), 0.1);
   query.limit = 2;
   EXPECT_EQ(NearestTracks(*build.summary, query).size(), 2u);
   query.withinM = static_cast<int>(all[0]["distanceM"].get<double>()) + 1;
@@ -202,23 +209,26 @@ TEST(DiffSummaries, EachVariantNewRemovedChangedEitherWayOrEqual) {
       Record("aaaaaaaa", 0, "Two layouts", may), Record("aaaaaaaa", 1, "Short", may),
       Record("bbbbbbbb", 0, "Removed", may),     Record("cccccccc", 0, "Renamed", may),
       Record("dddddddd", 0, "Older", june),      Record("eeeeeeee", 0, "Far future", may)};
-  std::vector<_SDatoRiassuntivo> after = {before[0], before[1], before[3], before[4], before[5],
-                                          Record("ffffffff", 0, "Added", june)};
+  std::vector<_SDatoRiassuntivo> after = {before[0], before[1], before[3],
+                                          before[4], before[5], Record("ffffffff", 0, "Added", june)};
   strcpy(after[2].Name, "Renamed again");
   after[2].Date.Valore = june;
   after[3].Date.Valore = may;
   after[4].Date.Valore = year2031;
-  const nlohmann::json diff =
-      DiffSummaries(*OpenSummary(dir.Write("old.bin", Bytes(before))), *OpenSummary(dir.Write("new.bin", Bytes(after))));
+  const nlohmann::json diff = DiffSummaries(*OpenSummary(dir.Write("old.bin", Bytes(before))),
+                                            *OpenSummary(dir.Write("new.bin", Bytes(after))));
   std::string files;
   for (const char* kind : {"equal", "removed", "new", "newer", "older"}) {
     files += std::string(kind) + ":";
-    for (const auto& e : diff[kind]) files += e["fileName"].get<std::string>() + "/" + e["variant"].dump() + " ";
+    for (const auto& e : diff[kind])
+      files += e["fileName"].get<std::string>() + "/" + e["variant"].dump() + " ";
   }
-  EXPECT_EQ(files, "equal:aaaaaaaa/0 aaaaaaaa/1 removed:bbbbbbbb/0 new:ffffffff/0 newer:cccccccc/0 "
-                   "older:dddddddd/0 eeeeeeee/0 ");
+  EXPECT_EQ(files,
+            "equal:aaaaaaaa/0 aaaaaaaa/1 removed:bbbbbbbb/0 new:ffffffff/0 newer:cccccccc/0 "
+            "older:dddddddd/0 eeeeeeee/0 ");
   EXPECT_EQ(diff["newer"][0]["name"], "Renamed again");
-  EXPECT_EQ(diff["removed"][0]["name"].get<std::string>() + diff["removed"][0]["nation"].get<std::string>(), "RemovedIT");
+  EXPECT_EQ(diff["removed"][0]["name"].get<std::string>() + diff["removed"][0]["nation"].get<std::string>(),
+            "RemovedIT");
   const std::string text = DiffText(diff);
   EXPECT_NE(text.find("changed (newer)      cccccccc  0  IT    Renamed again"), std::string::npos) << text;
   EXPECT_NE(text.find("2 variants equal"), std::string::npos) << text;
@@ -271,7 +281,8 @@ TEST_F(TwoTracks, CataloguePageHasARowAndAPicturePerVariantNamesEscapedNoScript)
   EXPECT_LT(page.find(">L0 · Race Track<", monza), page.find(">L1 · Race Track<", monza));
   EXPECT_EQ(count("\"name\">Monza &amp; &lt;Co&gt;</span>"), 2u);
   EXPECT_EQ(count("3 variants of 2 track files") + count(" width=\"230\" height=\"181\""), 4u);
-  EXPECT_EQ(count("<script") + count("on the logger") + count("<td />") + count("<div />") + count("<a />"), 0u);  // HTML has no <x/>
+  EXPECT_EQ(count("<script") + count("on the logger") + count("<td />") + count("<div />") + count("<a />"),
+            0u);  // HTML has no <x/>
 }
 
 }  // namespace

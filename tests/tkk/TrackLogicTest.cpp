@@ -68,7 +68,8 @@ TEST(Geodesy, DistanceAndClosedLengthOnTheLibrarysSphere) {
 // south, not the centroid of the outline.
 TEST(Geodesy, CentroidIgnoresHowDenselyASideWasDrawn) {
   std::vector<GeoPoint> square = Square(60.0, 10.0), dense(1, square[0]);
-  for (int i = 1; i <= 40; ++i) dense.push_back({square[0].lat, square[0].lon + (square[1].lon - square[0].lon) * i / 41.0});
+  for (int i = 1; i <= 40; ++i)
+    dense.push_back({square[0].lat, square[0].lon + (square[1].lon - square[0].lon) * i / 41.0});
   dense.insert(dense.end(), square.begin() + 1, square.end());
   const GeoPoint centre = Centroid(square);
   EXPECT_NEAR(HaversineM(Centroid(dense), centre), 0.0, 0.5);
@@ -110,9 +111,11 @@ TEST(Import, GeoJsonLayoutsNamesAndAltitudes) {
        "geometry": {"type": "LineString", "coordinates": [[9.28, 45.61, 180], [9.29, 45.62]]}},
       {"type": "Feature", "properties": {"role": "finish"}, "geometry": {"type": "LineString", "coordinates": [[0, 0], [1, 1]]}},
       {"type": "Feature", "properties": {"Name": "Junior"},
-       "geometry": {"type": "MultiLineString", "coordinates": [[[9.1, 45.1], [9.2, 45.2]]]}}]})", "m.geojson");
+       "geometry": {"type": "MultiLineString", "coordinates": [[[9.1, 45.1], [9.2, 45.2]]]}}]})",
+                                 "m.geojson");
   ASSERT_EQ(c.layouts.size(), 2u);
-  EXPECT_EQ(c.name + "/" + c.nation + "/" + c.layouts[0].name + "/" + c.layouts[1].name, "Monza/IT/GP/Junior");
+  EXPECT_EQ(c.name + "/" + c.nation + "/" + c.layouts[0].name + "/" + c.layouts[1].name,
+            "Monza/IT/GP/Junior");
   const GeoPoint& p = c.layouts[0].points[0];
   EXPECT_EQ(std::make_tuple(p.lat, p.lon, p.alt), std::make_tuple(45.61, 9.28, 180.0));
 }
@@ -122,12 +125,16 @@ TEST(Import, GpxTracksJoinSegmentsAndRoutesCountOnlyWithoutTracks) {
   const Circuit c = ParseGpx(R"(<gpx version="1.1"><metadata><name>Site</name></metadata>
       <rte><name>ignored</name><rtept lat="1" lon="1"/><rtept lat="2" lon="2"/></rte>
       <trk><name>Long</name><trkseg><trkpt lat="45.5" lon="9.5"><ele>12.5</ele></trkpt></trkseg>
-      <trkseg><trkpt lat="45.6" lon="9.6"/></trkseg></trk></gpx>)", "a.gpx");
+      <trkseg><trkpt lat="45.6" lon="9.6"/></trkseg></trk></gpx>)",
+                             "a.gpx");
   ASSERT_EQ(c.layouts.size(), 1u);
   ASSERT_EQ(c.layouts[0].points.size(), 2u);
   EXPECT_EQ(c.name + "/" + c.layouts[0].name, "Site/Long");
   EXPECT_DOUBLE_EQ(c.layouts[0].points[0].alt, 12.5);
-  EXPECT_EQ(ParseGpx(R"(<gpx><rte><name>R</name><rtept lat="1" lon="1"/><rtept lat="2" lon="2"/></rte></gpx>)", "r").name, "R");
+  EXPECT_EQ(
+      ParseGpx(R"(<gpx><rte><name>R</name><rtept lat="1" lon="1"/><rtept lat="2" lon="2"/></rte></gpx>)", "r")
+          .name,
+      "R");
 }
 
 TEST(Import, BadDocumentsNameTheProblem) {
@@ -137,13 +144,18 @@ TEST(Import, BadDocumentsNameTheProblem) {
     const char* message;
   } cases[] = {
       {false, R"({"type": "Point", "coordinates": [1, 2]})", "x: no LineString in the GeoJSON"},
-      {false, R"({"type": "LineString", "coordinates": [[1, "2"], [3, 4]]})", "x, LineString 1, point 1: coordinate is not a number"},
-      {false, R"({"type": "LineString", "coordinates": [[1, 2], [3, 91]]})", "x, LineString 1, point 2: latitude out of range"},
-      {false, R"({"type": "LineString", "coordinates": [[1, 2, 0], [3, 4, -2147483.648]]})", "x, LineString 1, point 2: altitude out of range"},
-      {false, R"({"type": "LineString", "coordinates": [[1, 2]]})", "x, LineString 1: an outline needs at least two points"},
+      {false, R"({"type": "LineString", "coordinates": [[1, "2"], [3, 4]]})",
+       "x, LineString 1, point 1: coordinate is not a number"},
+      {false, R"({"type": "LineString", "coordinates": [[1, 2], [3, 91]]})",
+       "x, LineString 1, point 2: latitude out of range"},
+      {false, R"({"type": "LineString", "coordinates": [[1, 2, 0], [3, 4, -2147483.648]]})",
+       "x, LineString 1, point 2: altitude out of range"},
+      {false, R"({"type": "LineString", "coordinates": [[1, 2]]})",
+       "x, LineString 1: an outline needs at least two points"},
       {false, R"({"type": "LineString", "coordinates": [[1, 2], [3, 4])", "x: not valid JSON"},
       {true, R"(<gpx><trk><name>A</name><trkseg/></trk></gpx>)", "x, GPX track 1: empty, no points"},
-      {true, R"(<gpx><trk><trkseg><trkpt lat="4x" lon="1"/></trkseg></trk></gpx>)", "x, GPX track 1, point 1: latitude is not a number"},
+      {true, R"(<gpx><trk><trkseg><trkpt lat="4x" lon="1"/></trkseg></trk></gpx>)",
+       "x, GPX track 1, point 1: latitude is not a number"},
       {true, R"(<gpx><trk><trkseg><trkpt lat="1" lon="181"/><trkpt lat="1" lon="2"/></trkseg></trk></gpx>)",
        "x, GPX track 1, point 1: longitude out of range"},
       {true, R"(<gpx><wpt lat="1" lon="2"/></gpx>)", "x: no track or route in the GPX"},
@@ -157,7 +169,8 @@ TEST(Import, BadDocumentsNameTheProblem) {
       EXPECT_STREQ(e.what(), c.message);
     }
   }
-  for (const char* path : {"/nonexistent/a.geojson", "/tmp"}) EXPECT_THROW(ReadCircuit(path), BadInput) << path;
+  for (const char* path : {"/nonexistent/a.geojson", "/tmp"})
+    EXPECT_THROW(ReadCircuit(path), BadInput) << path;
 }
 
 // Features and collections nested some hundred thousand levels deep used to
@@ -165,8 +178,9 @@ TEST(Import, BadDocumentsNameTheProblem) {
 // is read.
 TEST(Import, DeeplyNestedGeoJsonIsRefused) {
   const std::string line = R"({"type": "LineString", "coordinates": [[1, 2], [3, 4]]})";
-  for (const char* open : {R"({"type": "Feature", "geometry": )", R"({"type": "GeometryCollection", "geometries": [)",
-                           R"({"type": "FeatureCollection", "features": [)"}) {
+  for (const char* open :
+       {R"({"type": "Feature", "geometry": )", R"({"type": "GeometryCollection", "geometries": [)",
+        R"({"type": "FeatureCollection", "features": [)"}) {
     for (int depth : {33, 200000}) {
       std::string text;
       for (int i = 0; i < depth; ++i) text += open;
@@ -176,7 +190,8 @@ TEST(Import, DeeplyNestedGeoJsonIsRefused) {
     }
   }
   const std::string text = R"({"type": "FeatureCollection", "features": [{"type": "Feature", "geometry": )"
-                           R"({"type": "GeometryCollection", "geometries": [)" + line + "]}}]}";
+                           R"({"type": "GeometryCollection", "geometries": [)" +
+                           line + "]}}]}";
   EXPECT_EQ(ParseGeoJson(text, "x").layouts.size(), 1u);
 }
 
@@ -205,17 +220,21 @@ TEST(Export, GeoJsonAndGpxReadBackAsTheSameShapes) {
 
 TEST(Export, KmlHasAFolderEachForOutlinesReferencesAndLines) {
   pugi::xml_document doc;
-  ASSERT_TRUE(doc.load_string(ExportTrack(*BuildTrack(Sample(), NewTrackOptions()), ExportFormat::kKml).c_str()));
+  ASSERT_TRUE(
+      doc.load_string(ExportTrack(*BuildTrack(Sample(), NewTrackOptions()), ExportFormat::kKml).c_str()));
   const pugi::xml_node document = doc.child("kml").child("Document");
   std::string folders;
   for (const pugi::xml_node& folder : document.children("Folder"))  // one placemark per variant in each
-    folders += std::string(folder.child_value("name")) + ":" + std::to_string(Count(folder.children("Placemark"))) + ";";
+    folders += std::string(folder.child_value("name")) + ":" +
+               std::to_string(Count(folder.children("Placemark"))) + ";";
   EXPECT_EQ(folders, "Outlines:2;Reference points:2;Beacon lines:2;");
-  std::istringstream coordinates(document.child("Folder").child("Placemark").child("LineString").child_value("coordinates"));
+  std::istringstream coordinates(
+      document.child("Folder").child("Placemark").child("LineString").child_value("coordinates"));
   EXPECT_EQ(std::distance(std::istream_iterator<std::string>(coordinates), {}), 4);
   EXPECT_STREQ(document.child("name").text().as_string(), "Sample & <Co>");
   std::string data;
-  for (const pugi::xml_node& d : document.child("Folder").child("Placemark").child("ExtendedData").children("Data"))
+  for (const pugi::xml_node& d :
+       document.child("Folder").child("Placemark").child("ExtendedData").children("Data"))
     data += std::string(d.attribute("name").value()) + "=" + d.child_value("value") + ";";
   EXPECT_EQ(data, "site=Sample & <Co>;device=GP;nation=GB;state=;type=Race Track;length=3592;");
 }
@@ -231,19 +250,26 @@ TEST(Render, DrawsTheOutlineLinesAndLabelsOnThePicture) {
   // picture as drawn.
   std::string labels, arrows;
   for (const pugi::xml_node& text : svg.children("text"))
-    labels += std::string(text.child_value()) + "@" + text.attribute("x").value() + "," + text.attribute("y").value() + ";";
-  for (const pugi::xml_node& arrow : svg.children("polygon")) arrows += std::string(arrow.attribute("transform").value()) + ";";
-  EXPECT_EQ(labels, "Finish@250.6,685.6;Sample & <Co> – National@40.0,48.0;GB  ·  2.875 km  ·  Race Track@40.0,76.0;"
-                    "N ↑@760.0,48.0;200 m@143.3,730.0;Azimuthal equidistant projection about the reference point "
-                    "52.07500, -1.01693@40.0,770.0;");
-  EXPECT_EQ(arrows, "translate(325.7,598.0) rotate(-39.1);translate(502.8,453.9) rotate(-39.1);translate(445.9,309.8) "
-                    "rotate(-140.9);translate(268.8,165.7) rotate(-140.9);translate(237.1,327.5) rotate(90.0);"
-                    "translate(237.1,555.8) rotate(90.0);");
+    labels += std::string(text.child_value()) + "@" + text.attribute("x").value() + "," +
+              text.attribute("y").value() + ";";
+  for (const pugi::xml_node& arrow : svg.children("polygon"))
+    arrows += std::string(arrow.attribute("transform").value()) + ";";
+  EXPECT_EQ(labels,
+            "Finish@250.6,685.6;Sample & <Co> – National@40.0,48.0;GB  ·  2.875 km  ·  Race Track@40.0,76.0;"
+            "N ↑@760.0,48.0;200 m@143.3,730.0;Azimuthal equidistant projection about the reference point "
+            "52.07500, -1.01693@40.0,770.0;");
+  EXPECT_EQ(
+      arrows,
+      "translate(325.7,598.0) rotate(-39.1);translate(502.8,453.9) rotate(-39.1);translate(445.9,309.8) "
+      "rotate(-140.9);translate(268.8,165.7) rotate(-140.9);translate(237.1,327.5) rotate(90.0);"
+      "translate(237.1,555.8) rotate(90.0);");
   EXPECT_STREQ(svg.find_child_by_attribute("path", "stroke", "#3a3a3a").attribute("d").value(),
                "M237.1,670.0 L562.9,405.0 L237.1,140.0 Z");
-  EXPECT_STREQ(svg.find_child_by_attribute("path", "stroke", "#333333").attribute("d").value(), "M40,724.0 V730.0 H135.3 V724.0");
+  EXPECT_STREQ(svg.find_child_by_attribute("path", "stroke", "#333333").attribute("d").value(),
+               "M40,724.0 V730.0 H135.3 V724.0");
   EXPECT_THROW(RenderSvg(*track, 2), BadInput);
-  const std::pair<double, double> bars[] = {{0.0, 1.0}, {1.0, 1.0}, {480.0, 200.0}, {999.0, 500.0}, {200.0, 200.0}, {1000.0, 1000.0}};
+  const std::pair<double, double> bars[] = {{0.0, 1.0},     {1.0, 1.0},     {480.0, 200.0},
+                                            {999.0, 500.0}, {200.0, 200.0}, {1000.0, 1000.0}};
   for (const auto& b : bars) EXPECT_EQ(ScaleBarLength(b.first), b.second) << b.first;
 }
 

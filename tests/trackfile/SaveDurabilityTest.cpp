@@ -40,7 +40,9 @@ std::unique_ptr<CFileTkk> MakeTrack(uint32_t seed, size_t logoBytes = 1000) {
   return track;
 }
 
-bool IsTemporary(const std::string& entry) { return entry[0] == '.' && entry.find(".tmp.") != std::string::npos; }
+bool IsTemporary(const std::string& entry) {
+  return entry[0] == '.' && entry.find(".tmp.") != std::string::npos;
+}
 
 // Every entry of `dir` with its bytes.
 Snapshot Take(const TempDir& dir) {
@@ -55,7 +57,8 @@ pid_t Fork(const std::function<bool()>& body, bool asNobody = false) {
   const pid_t pid = fork();
   if (pid != 0) return pid;
   alarm(20);
-  if (asNobody && geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0)) _exit(2);
+  if (asNobody && geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0))
+    _exit(2);
   _exit(body() ? 0 : 1);
 }
 
@@ -77,7 +80,8 @@ void KillSavesAtRandom(int kills, int minUs, int maxUs, const std::function<bool
       for (int i = 0;; ++i)
         if (!save(i)) return false;
     });
-    std::this_thread::sleep_for(std::chrono::microseconds(delayUs(rng))), ::kill(pid, SIGKILL);
+    std::this_thread::sleep_for(std::chrono::microseconds(delayUs(rng)));
+    ::kill(pid, SIGKILL);
     ASSERT_EQ(Wait(pid), 128 + SIGKILL) << "the saving child stopped by itself";
     check(kill);
   }
@@ -87,7 +91,8 @@ void KillSavesAtRandom(int kills, int minUs, int maxUs, const std::function<bool
 class DurableSave : public ::testing::TestWithParam<bool> {
  protected:
   bool Save(CFileTkk& t, const TempDir& dir) {
-    return (GetParam() ? t.SalvaFileInPathLogoEsterno(dir.path(), kNome) : t.SalvaFileInPath(dir.path(), &kNome)) == kNome;
+    return (GetParam() ? t.SalvaFileInPathLogoEsterno(dir.path(), kNome)
+                       : t.SalvaFileInPath(dir.path(), &kNome)) == kNome;
   }
   TempDir dir_;
 };
@@ -102,12 +107,15 @@ TEST_P(DurableSave, KilledSavesLeaveOneCompleteVersion) {
   for (int i = 0; i < 2; ++i) ASSERT_TRUE(Save(*tracks[i], dir_) && (clean[i] = Take(dir_)).size() > 0);
   int current = 1, changes = 0;
   KillSavesAtRandom(
-      120, 200, 4000, [&](int i) { return Save(*tracks[(i + 1 + current) % 2], dir_); },  // first the other track
+      120, 200, 4000,
+      [&](int i) { return Save(*tracks[(i + 1 + current) % 2], dir_); },  // first the other track
       [&](int kill) {
         const Snapshot now = Take(dir_);
         for (const auto& [name, version] : clean[0])
-          ASSERT_TRUE(now.count(name) && (now.at(name) == version || now.at(name) == clean[1].at(name))) << name << " is missing or incomplete after kill " << kill;
-        for (const auto& entry : now) ASSERT_TRUE(clean[0].count(entry.first) || IsTemporary(entry.first)) << entry.first;
+          ASSERT_TRUE(now.count(name) && (now.at(name) == version || now.at(name) == clean[1].at(name)))
+              << name << " is missing or incomplete after kill " << kill;
+        for (const auto& entry : now)
+          ASSERT_TRUE(clean[0].count(entry.first) || IsTemporary(entry.first)) << entry.first;
         const int holds = now.at(kTrack) == clean[0].at(kTrack) ? 0 : 1;
         changes += holds != current, current = holds;
       });
@@ -138,7 +146,8 @@ TEST_P(DurableSave, ReplacingKeepsModeOwnerAndLinks) {
   const bool root = geteuid() == 0;  // only root may give files away
   const std::vector<unsigned> kept = {0640, root ? 4321 : geteuid(), root ? 4322 : getegid()};
   for (const std::string& entry : dir_.Entries())
-    ASSERT_TRUE(chmod((dir_.path() + entry).c_str(), 0640) == 0 && (!root || chown((dir_.path() + entry).c_str(), 4321, 4322) == 0));
+    ASSERT_TRUE(chmod((dir_.path() + entry).c_str(), 0640) == 0 &&
+                (!root || chown((dir_.path() + entry).c_str(), 4321, 4322) == 0));
   LinkChain(dir_, 40);
   const std::unique_ptr<CFileTkk> next = MakeTrack(10);
   TempDir fresh;
@@ -148,7 +157,9 @@ TEST_P(DurableSave, ReplacingKeepsModeOwnerAndLinks) {
   for (const std::string& entry : dir_.Entries()) {
     ASSERT_EQ(0, lstat((dir_.path() + entry).c_str(), &st));
     EXPECT_EQ(S_ISLNK(st.st_mode), entry == kTrack || entry[0] == 'c') << entry;
-    EXPECT_EQ(S_ISLNK(st.st_mode) ? kept : (std::vector<unsigned>{st.st_mode & 07777u, st.st_uid, st.st_gid}), kept) << entry;
+    EXPECT_EQ(S_ISLNK(st.st_mode) ? kept : (std::vector<unsigned>{st.st_mode & 07777u, st.st_uid, st.st_gid}),
+              kept)
+        << entry;
   }
 }
 
@@ -159,11 +170,14 @@ TEST_P(DurableSave, RefusesAFileTheCallerMayNotWrite) {
   ASSERT_EQ(0, chmod((dir_.path() + kTrack).c_str(), 0444) + chmod(dir_.path().c_str(), 0777));
   const Snapshot before = Take(dir_);
   const std::unique_ptr<CFileTkk> track = MakeTrack(12);
-  EXPECT_EQ(1, Wait(Fork([&] { return Save(*track, dir_); }, true))) << "2: could not become nobody; 0: saved";
+  EXPECT_EQ(1, Wait(Fork([&] { return Save(*track, dir_); }, true)))
+      << "2: could not become nobody; 0: saved";
   EXPECT_EQ(before, Take(dir_));
 }
 
-INSTANTIATE_TEST_SUITE_P(Ways, DurableSave, ::testing::Bool(), [](const ::testing::TestParamInfo<bool>& way) { return way.param ? "LogoApart" : "Given"; });
+INSTANTIATE_TEST_SUITE_P(Ways, DurableSave, ::testing::Bool(), [](const ::testing::TestParamInfo<bool>& way) {
+  return way.param ? "LogoApart" : "Given";
+});
 
 // Without hard links and without RENAME_NOREPLACE a generated name was once
 // claimed by an empty placeholder that the rename then replaced: a kill in
@@ -173,17 +187,26 @@ INSTANTIATE_TEST_SUITE_P(Ways, DurableSave, ::testing::Bool(), [](const ::testin
 TEST(GeneratedNames, KilledSavesWithoutHardLinksNeverLeaveAnIncompleteTrack) {
   TempDir dir, probe;
   const std::unique_ptr<CFileTkk> track = MakeTrack(8, 8000);
-  faults::NoHardLinks(true, true), faults::SlowRename(2000);
+  faults::NoHardLinks(true, true);
+  faults::SlowRename(2000);
   const auto start = std::chrono::steady_clock::now();
-  const auto save = [&](const TempDir& where) { return !track->SalvaFileInPath(where.path(), nullptr).empty(); };
+  const auto save = [&](const TempDir& where) {
+    return !track->SalvaFileInPath(where.path(), nullptr).empty();
+  };
   ASSERT_EQ(0, Wait(Fork([&] { return save(probe); })));
-  const int saveUs = static_cast<int>(std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start).count());
-  KillSavesAtRandom(60, saveUs / 4, saveUs * 3, [&](int) { return save(dir); }, [](int) {});
+  const int saveUs = static_cast<int>(
+      std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start)
+          .count());
+  KillSavesAtRandom(
+      60, saveUs / 4, saveUs * 3, [&](int) { return save(dir); }, [](int) {});
   ASSERT_EQ(0, (faults::SlowRename(0), Wait(Fork([&] { return save(dir); }))));  // at normal speed
   const std::vector<std::string> entries = (faults::NoHardLinks(false), dir.Entries());
   EXPECT_GT(entries.size(), 1u);
   for (const std::string& entry : entries)
-    EXPECT_TRUE(!IsTemporary(entry) && std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(dir.path() + entry, true, true))->IsGood()) << entry;
+    EXPECT_TRUE(
+        !IsTemporary(entry) &&
+        std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(dir.path() + entry, true, true))->IsGood())
+        << entry;
 }
 
 // Three processes save 100 tracks each into one directory at once. The name
@@ -197,7 +220,9 @@ TEST(GeneratedNames, ConcurrentSavesGiveDistinctCompleteFiles) {
     pids.push_back(Fork([&] {
       std::set<std::string> names;
       for (uint32_t i = 0; i < 100; ++i)
-        if (!names.insert(fixtures::MakeRandomTrack(1000 * c + i)->SalvaFileInPath(dir.path(), nullptr)).second) return false;
+        if (!names.insert(fixtures::MakeRandomTrack(1000 * c + i)->SalvaFileInPath(dir.path(), nullptr))
+                 .second)
+          return false;
       return names.count("") == 0;
     }));
   for (const pid_t pid : pids) EXPECT_EQ(0, Wait(pid));
@@ -206,7 +231,9 @@ TEST(GeneratedNames, ConcurrentSavesGiveDistinctCompleteFiles) {
   for (const std::string& entry : entries) {
     ASSERT_EQ(entry.size() == 12 ? entry.substr(8) : entry, ".tkk");
     const std::unique_ptr<IFileTkk> back(IFileTkk::CreateMeUponFile(dir.path() + entry, true, true));
-    ASSERT_TRUE(back->IsGood() && !back->GetTagsInfoVarianti().empty() && entry.substr(0, 8) == std::string(back->GetTagInfoFile().GuidNomeFile, 8)) << entry;
+    ASSERT_TRUE(back->IsGood() && !back->GetTagsInfoVarianti().empty() &&
+                entry.substr(0, 8) == std::string(back->GetTagInfoFile().GuidNomeFile, 8))
+        << entry;
   }
 }
 

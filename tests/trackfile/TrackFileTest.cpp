@@ -38,21 +38,33 @@ using Fw = _STagInfoVarianteTKK_fw;
 using Idx = _STagIndexesVarianteTKK;
 using Texts = std::vector<std::string>;
 
-Bytes Raw(const void* p, size_t n) { return Bytes(static_cast<const unsigned char*>(p), static_cast<const unsigned char*>(p) + n); }
+Bytes Raw(const void* p, size_t n) {
+  return Bytes(static_cast<const unsigned char*>(p), static_cast<const unsigned char*>(p) + n);
+}
 template <typename T>
-Bytes BytesOf(const T& record) { return Raw(&record, sizeof record); }
+Bytes BytesOf(const T& record) {
+  return Raw(&record, sizeof record);
+}
 
 std::unique_ptr<CFileTkk> Empty(bool readOnly = false, bool dev = false) {
   return std::unique_ptr<CFileTkk>(static_cast<CFileTkk*>(IFileTkk::CreateMe(readOnly, dev)));
 }
 // Indexes naming nothing but `field`.
-Idx With(uint16_t Idx::*field, uint16_t value) { Idx idx; idx.*field = value; return idx; }
+Idx With(uint16_t Idx::*field, uint16_t value) {
+  Idx idx;
+  idx.*field = value;
+  return idx;
+}
 _SDatoCoordinateBeacon Line(int32_t lat, int32_t lon, uint32_t width = 0, int32_t alt = 0) {
   _SDatoCoordinateBeacon l;
   return l.LatI = lat, l.LonI = lon, l.AltI = alt, l.LarghezzaPista = width, l;
 }
 // The events recorded since the last reset, one "SEVERITY message" each.
-Texts Reports() { Texts out; for (const evtrec::Event& e : evtrec::Events()) out.push_back(e.severity + " " + e.Message()); return out; }
+Texts Reports() {
+  Texts out;
+  for (const evtrec::Event& e : evtrec::Events()) out.push_back(e.severity + " " + e.Message());
+  return out;
+}
 
 // Composes a track file atom by atom, with any tag and payload.
 struct FileBuilder {
@@ -63,15 +75,21 @@ struct FileBuilder {
     return *this;
   }
   template <typename T>
-  FileBuilder& Record(const std::string& tag, const T& record) { return Atom(tag, &record, sizeof record); }
+  FileBuilder& Record(const std::string& tag, const T& record) {
+    return Atom(tag, &record, sizeof record);
+  }
   FileBuilder& Info() { return Record("Ptkk", _STagInfoFileTKK()); }
   // A variant's fixed part named `device`, nation codes filled.
   FileBuilder& Fw(const char* device = "") {
     _STagInfoVarianteTKK_fw fw;
-    memcpy(fw.NationCode, "ITA\0MB\0\0", 8), strcpy(fw.NomeXDevice, device);
+    memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
+    strcpy(fw.NomeXDevice, device);
     return Record("Vnfo", fw);
   }
-  FileBuilder& Sw(const char* name) { _STagInfoVarianteTKK_sw sw; return Atom("V_sw", strcpy(sw.NomePista, name), sizeof sw); }
+  FileBuilder& Sw(const char* name) {
+    _STagInfoVarianteTKK_sw sw;
+    return Atom("V_sw", strcpy(sw.NomePista, name), sizeof sw);
+  }
   FileBuilder& Idx(uint16_t punti = 0xFFFF, uint16_t logo = 0xFFFF, uint16_t surfaces = 0xFFFF) {
     const uint16_t idx[4] = {surfaces, punti, logo, 0xFFFF};  // surfaces, shape, logo, texts
     return Atom("Vidx", idx, sizeof idx);
@@ -86,10 +104,19 @@ struct FileBuilder {
 class TrackFile : public ::testing::Test {
  protected:
   void SetUp() override { evtrec::Reset(true); }
-  void TearDown() override { evtrec::Reset(false), faults::FailDecoderCreation(false), faults::FailEncoderCreation(false), faults::PlainContainer(false); }
-  std::string Write(const Bytes& bytes, const std::string& name = "0k3f9zq1.tkk") { return fixtures::WriteAll(dir_.path() + name, bytes), dir_.path() + name; }
+  void TearDown() override {
+    evtrec::Reset(false);
+    faults::FailDecoderCreation(false);
+    faults::FailEncoderCreation(false);
+    faults::PlainContainer(false);
+  }
+  std::string Write(const Bytes& bytes, const std::string& name = "0k3f9zq1.tkk") {
+    fixtures::WriteAll(dir_.path() + name, bytes);
+    return dir_.path() + name;
+  }
   static std::unique_ptr<CFileTkk> Open(const std::string& path, bool senzaLogo = false) {
-    return std::unique_ptr<CFileTkk>(static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(path, false, senzaLogo)));
+    return std::unique_ptr<CFileTkk>(
+        static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(path, false, senzaLogo)));
   }
   bool Exists(const std::string& name) const { return access((dir_.path() + name).c_str(), F_OK) == 0; }
   Bytes SaveIn(CFileTkk& track, const std::string& dir) {
@@ -107,10 +134,13 @@ Bytes Contents(CFileTkk& t) {
   Bytes out = BytesOf(t.GetTagInfoFile());
   const auto add = [&out](char part, const void* p, size_t n) {
     const Bytes raw = Raw(p, n);
-    out.push_back(static_cast<unsigned char>(part)), out.insert(out.end(), raw.begin(), raw.end());
+    out.push_back(static_cast<unsigned char>(part));
+    out.insert(out.end(), raw.begin(), raw.end());
   };
   for (const STagsInfoVariante* v : t.GetTagsInfoVarianti()) {
-    add('v', &v->InfoFw, sizeof v->InfoFw), add('s', &v->InfoSw, sizeof v->InfoSw), add('i', &v->Indici, sizeof v->Indici);
+    add('v', &v->InfoFw, sizeof v->InfoFw);
+    add('s', &v->InfoSw, sizeof v->InfoSw);
+    add('i', &v->Indici, sizeof v->Indici);
     if (v->Punti) add('p', v->Punti->Punti.data(), v->Punti->Punti.size() * sizeof(_t_s_lla_i));
     if (v->FondiStradali) add('f', v->FondiStradali->Fondi.data(), v->FondiStradali->Fondi.size() * 4);
     const std::string name = v->Logo ? v->Logo->NomeFile.substr(v->Logo->NomeFile.rfind('/') + 1) : "";
@@ -127,17 +157,26 @@ TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
   // Five bytes are too short for another atom; a 4 GB size field is refused, not allocated.
   Bytes hugeSize = good, trailing = good;
   trailing.resize(good.size() + 5), hugeSize[6] = hugeSize[7] = 0xFF;
-  const auto flip = [](Bytes b, size_t fromEnd) { b[b.size() - fromEnd] ^= 1; return b; };
+  const auto flip = [](Bytes b, size_t fromEnd) {
+    b[b.size() - fromEnd] ^= 1;
+    return b;
+  };
   const std::string interpret = "Can't interpret file ";
-  struct Case { const char* what; Bytes bytes; std::string message; /* the path follows */ } const cases[] = {
+  struct Case {
+    const char* what;
+    Bytes bytes;
+    std::string message; /* the path follows */
+  } const cases[] = {
       {"missing file", {}, "Can't open file "},
       {"empty file", {}, "Zero length file "},
       {"no decoder", good, "Can't alloc mem"},
       {"bad CRC", flip(good, good.size() - 20), interpret},
       // Past the read buffer: the end of a logo read straight into its
       // record, the end of an ignored atom passed over.
-      {"bad CRC at the end of a logo", flip(FileBuilder().Info().Fw().Idx(0xFFFF, 0).Logo("a.png", Bytes(40000, 7)).bytes, 10), interpret},
-      {"bad CRC at the end of an unknown atom", flip(FileBuilder().Info().Fw().Idx().Atom("zzz", Bytes(40000, 7).data(), 40000).bytes, 10), interpret},
+      {"bad CRC at the end of a logo",
+       flip(FileBuilder().Info().Fw().Idx(0xFFFF, 0).Logo("a.png", Bytes(40000, 7)).bytes, 10), interpret},
+      {"bad CRC at the end of an unknown atom",
+       flip(FileBuilder().Info().Fw().Idx().Atom("zzz", Bytes(40000, 7).data(), 40000).bytes, 10), interpret},
       {"size field beyond the file", hugeSize, interpret},
       {"last byte missing", Bytes(good.begin(), good.end() - 1), interpret},
       {"bytes after the last atom", trailing, interpret},
@@ -154,11 +193,13 @@ TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
       const std::string path = dir_.path() + std::to_string(&c - cases) + (plain ? "p" : "") + ".tkk";
       if (&c != cases) fixtures::WriteAll(path, c.bytes);
       ASSERT_TRUE(again->LeggiFile(dir_.path() + "good.tkk", false));
-      evtrec::Reset(true), faults::FailDecoderCreation(&c == cases + 2);
+      evtrec::Reset(true);
+      faults::FailDecoderCreation(&c == cases + 2);
       std::unique_ptr<CFileTkk> track = Open(path);
       EXPECT_FALSE(again->LeggiFile(path, false));
       faults::FailDecoderCreation(false);
-      EXPECT_TRUE(!track->IsGood() && again->GetTagsInfoVarianti().empty() && again->GetVariantiTrack().empty());
+      EXPECT_TRUE(!track->IsGood() && again->GetTagsInfoVarianti().empty() &&
+                  again->GetVariantiTrack().empty());
       EXPECT_EQ(again->GetDimTkk(), c.bytes.size());
       const std::string report = "ERROR " + c.message + (c.message.back() == ' ' ? path : "");
       EXPECT_EQ(Reports(), (Texts{report, report}));
@@ -169,12 +210,15 @@ TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
 // a writer for ever; as a logo it did the same.
 TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
   const std::string fifo = dir_.path() + "0k3f9zq1.tkk";
-  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600) + static_cast<int>(alarm(20)));  // a wait ends the test here
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
+  alarm(20);  // a wait ends the test here
   for (const std::string& path : {fifo, std::string("/dev/null")}) {
-    EXPECT_FALSE((evtrec::Reset(true), Open(path)->IsGood()));
+    evtrec::Reset(true);
+    EXPECT_FALSE(Open(path)->IsGood());
     std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
     track->SetTrackLogo(path);
-    EXPECT_EQ(std::make_pair(Reports(), track->GetTagInfo()->Indici.IdxLogo + 0), std::make_pair(Texts{"ERROR Can't open file " + path}, 0xFFFF));
+    EXPECT_EQ(std::make_pair(Reports(), track->GetTagInfo()->Indici.IdxLogo + 0),
+              std::make_pair(Texts{"ERROR Can't open file " + path}, 0xFFFF));
   }
   alarm(0);
 }
@@ -182,7 +226,12 @@ TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
 // Atoms of other tags or sizes are ignored: only a 256-byte "V_sw" names
 // the track. Variants whose indexes name nothing are skipped.
 TEST_F(TrackFile, MalformedButReadableFiles) {
-  struct Case { const char* what; Bytes bytes; size_t variants; Bytes image = {}; /* of the main variant's logo */ } const cases[] = {
+  struct Case {
+    const char* what;
+    Bytes bytes;
+    size_t variants;
+    Bytes image = {}; /* of the main variant's logo */
+  } const cases[] = {
       {"unknown tag", FileBuilder().Info().Atom("zzz", Bytes(256, 'q').data(), 256).Fw().Idx().bytes, 1},
       {"V_sw of wrong size", FileBuilder().Info().Fw().Atom("V_sw", "x", 1).Idx().bytes, 1},
       {"64 road surfaces", FileBuilder().Info().Fw().Atom("srfs", Bytes(256, 1).data(), 256).Idx().bytes, 1},
@@ -192,8 +241,11 @@ TEST_F(TrackFile, MalformedButReadableFiles) {
       {"pts of odd size", FileBuilder().Info().Atom("pts", Bytes(4, 7).data(), 4).Fw().Idx(0).bytes, 0},
       {"empty logo still counts", FileBuilder().Info().Atom("lgo", nullptr, 0).Fw().Idx(0xFFFF, 0).bytes, 1},
       {"only the file info", FileBuilder().Info().bytes, 0},
-      {"large unknown atom", FileBuilder().Info().Atom("zzz", Bytes(40000, 1).data(), 40000).Fw().Idx().bytes, 1},
-      {"logo name longer than the read buffer", FileBuilder().Info().Logo(std::string(20000, 'n'), Bytes(20, 1)).Fw().Idx(0xFFFF, 0).bytes, 1, Bytes(20, 1)},
+      {"large unknown atom", FileBuilder().Info().Atom("zzz", Bytes(40000, 1).data(), 40000).Fw().Idx().bytes,
+       1},
+      {"logo name longer than the read buffer",
+       FileBuilder().Info().Logo(std::string(20000, 'n'), Bytes(20, 1)).Fw().Idx(0xFFFF, 0).bytes, 1,
+       Bytes(20, 1)},
   };
   for (bool plain : {false, true})
     for (const Case& c : cases) {
@@ -202,21 +254,26 @@ TEST_F(TrackFile, MalformedButReadableFiles) {
       std::unique_ptr<CFileTkk> track = Open(Write(c.bytes));
       ASSERT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == c.variants);
       const SLogo* logo = track->GetTrackLogoBuffer();
-      EXPECT_EQ(std::make_pair(track->GetNomePista(), logo ? logo->Dati : Bytes{}), std::make_pair(std::string(), c.image));
+      EXPECT_EQ(std::make_pair(track->GetNomePista(), logo ? logo->Dati : Bytes{}),
+                std::make_pair(std::string(), c.image));
     }
 }
 
 TEST_F(TrackFile, CurrentRecordsCarryOverBetweenVariants) {
   // One V_sw before the first Vidx and none before the second: both
   // variants carry its name.
-  std::unique_ptr<CFileTkk> track = Open(Write(FileBuilder().Info().Fw("A").Sw("Ring").Idx().Fw("B").Idx().bytes));
+  std::unique_ptr<CFileTkk> track =
+      Open(Write(FileBuilder().Info().Fw("A").Sw("Ring").Idx().Fw("B").Idx().bytes));
   ASSERT_EQ(track->GetTagsInfoVarianti().size(), 2u);
-  for (const STagsInfoVariante* v : track->GetTagsInfoVarianti()) EXPECT_EQ(v->Owner == track.get() ? v->InfoSw.NomePista : "", std::string("Ring"));
+  for (const STagsInfoVariante* v : track->GetTagsInfoVarianti())
+    EXPECT_EQ(v->Owner == track.get() ? v->InfoSw.NomePista : "", std::string("Ring"));
   EXPECT_STREQ(track->GetTagInfoVariante(1)->InfoFw.NomeXDevice, "B");
   // Two Vidx after the same current Vnfo share its fixed part.
   track = Open(Write(FileBuilder().Info().Fw("A").Fw("B").Idx().Idx().bytes));
   ASSERT_EQ(track->GetTagsInfoVarianti().size(), 2u);
-  EXPECT_EQ(std::string(track->GetTagInfoVariante(0)->InfoFw.NomeXDevice) + track->GetTagInfoVariante(1)->InfoFw.NomeXDevice, "BB");
+  EXPECT_EQ(std::string(track->GetTagInfoVariante(0)->InfoFw.NomeXDevice) +
+                track->GetTagInfoVariante(1)->InfoFw.NomeXDevice,
+            "BB");
 }
 
 TEST_F(TrackFile, NameOnDiskAndFlagsFromTheName) {
@@ -244,7 +301,8 @@ TEST_F(TrackFile, NameOnDiskAndFlagsFromTheName) {
 
 TEST_F(TrackFile, LogosAreLoadedAndWrittenBesideTheTrack) {
   const Bytes image = {1, 2, 3, 4, 5, 6, 7};
-  const std::string path = Write(FileBuilder().Info().Logo("badge.png", image).Fw().Idx(0xFFFF, 0).bytes), badge = dir_.path() + "badge.png";
+  const std::string path = Write(FileBuilder().Info().Logo("badge.png", image).Fw().Idx(0xFFFF, 0).bytes),
+                    badge = dir_.path() + "badge.png";
   std::unique_ptr<CFileTkk> track = Open(path);  // the image in memory: the round trip shows it
   EXPECT_EQ(fixtures::ReadAll(badge), image);
   // Read again: the existing image stays, or with nuovoNomeLogo a numbered
@@ -254,7 +312,8 @@ TEST_F(TrackFile, LogosAreLoadedAndWrittenBesideTheTrack) {
   ASSERT_EQ(0, unlink(badge.c_str()) + symlink("nowhere", badge.c_str()));
   EXPECT_TRUE(track->LeggiFile(path, true));
   EXPECT_EQ(dir_.Entries(), (Texts{"0k3f9zq1.tkk", "badge.png", "badge1.png", "badge2.png", "badge3.png"}));
-  for (const char* n : {"badge1.png", "badge2.png", "badge3.png"}) EXPECT_EQ(fixtures::ReadAll(dir_.path() + n), image) << n;
+  for (const char* n : {"badge1.png", "badge2.png", "badge3.png"})
+    EXPECT_EQ(fixtures::ReadAll(dir_.path() + n), image) << n;
 }
 
 // Each image of a name looks for its number from where the previous one
@@ -275,25 +334,34 @@ TEST_F(TrackFile, NumberedLogoNamesAreProbedOnce) {
 }
 
 TEST_F(TrackFile, SomeImagesStayInMemoryOnly) {
-  const std::pair<std::string, Bytes> cases[] = {{"tiny.png", {1, 2, 3, 4, 5}}, {"../escaped.png", Bytes(20, 7)}};  // too short; outside
+  const std::pair<std::string, Bytes> cases[] = {{"tiny.png", {1, 2, 3, 4, 5}},
+                                                 {"../escaped.png", Bytes(20, 7)}};  // too short; outside
 
   for (const auto& c : cases) {
-    std::unique_ptr<CFileTkk> track = Open(Write(FileBuilder().Info().Logo(c.first, c.second).Fw().Idx(0xFFFF, 0).bytes));
+    std::unique_ptr<CFileTkk> track =
+        Open(Write(FileBuilder().Info().Logo(c.first, c.second).Fw().Idx(0xFFFF, 0).bytes));
     EXPECT_TRUE(track->GetTrackLogoBuffer()->Dati == c.second && !Exists(c.first)) << c.first;
   }
   // Without logos none is read and the logo index is not checked.
-  std::unique_ptr<CFileTkk> track = Open(Write(FileBuilder().Info().Logo("badge.png", Bytes(20, 9)).Fw().Idx(0xFFFF, 7).bytes), true);
-  EXPECT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == 1 && track->GetTrackLogoBuffer() == nullptr && !Exists("badge.png"));
+  std::unique_ptr<CFileTkk> track =
+      Open(Write(FileBuilder().Info().Logo("badge.png", Bytes(20, 9)).Fw().Idx(0xFFFF, 7).bytes), true);
+  EXPECT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == 1 &&
+              track->GetTrackLogoBuffer() == nullptr && !Exists("badge.png"));
 }
 
 TEST_F(TrackFile, FileOffsetsKeptAsSummariesRecordThem) {
-  std::unique_ptr<CFileTkk> track = Open(Write(FileBuilder().Info().Fw().Idx(0).Fw().Idx().Fw().Idx(1).Points(10).Points(3).bytes));
+  std::unique_ptr<CFileTkk> track =
+      Open(Write(FileBuilder().Info().Fw().Idx(0).Fw().Idx().Fw().Idx(1).Points(10).Points(3).bytes));
   ASSERT_EQ(track->GetTagsInfoVarianti().size(), 3u);
   // Variants -1, 0, 1, 3 and 4; variant 1 (the second Vnfo) has no shape.
-  const uint32_t first = 8 + 4 + 268, firstPts = first + 3 * (3 * 8 + 3 * 4 + 740), second = firstPts + 8 + 120 + 4;
+  const uint32_t first = 8 + 4 + 268, firstPts = first + 3 * (3 * 8 + 3 * 4 + 740),
+                 second = firstPts + 8 + 120 + 4;
   std::vector<uint32_t> fw, pts;
-  for (int i : {-1, 0, 1, 3, 4}) fw.push_back(track->GetOffsetDatiFw(static_cast<short>(i))), pts.push_back(track->GetOffsetPti(static_cast<short>(i)));
-  EXPECT_EQ(fw, (std::vector<uint32_t>{first, first, first + 740 + 3 * 4 + 3 * 8, 8 + 4 + 1008 + 12 + 3 * 24u, first}));
+  for (int i : {-1, 0, 1, 3, 4})
+    fw.push_back(track->GetOffsetDatiFw(static_cast<short>(i))),
+        pts.push_back(track->GetOffsetPti(static_cast<short>(i)));
+  EXPECT_EQ(fw, (std::vector<uint32_t>{first, first, first + 740 + 3 * 4 + 3 * 8, 8 + 4 + 1008 + 12 + 3 * 24u,
+                                       first}));
   EXPECT_EQ(pts, (std::vector<uint32_t>{0, firstPts, second, 0, 0}));
   EXPECT_EQ(track->GetOffsetPti(2), second);
   EXPECT_EQ(Open(Write(FileBuilder().Info().Fw().Idx().bytes))->GetOffsetPti(0), 0u);
@@ -304,7 +372,10 @@ long ResidentKb() {
   std::ifstream("/proc/self/statm") >> pages >> resident;
   return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
-long OpenFiles() { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator()); }
+long OpenFiles() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                       std::filesystem::directory_iterator());
+}
 
 // With the host's allocator as it comes, a process that reads and saves a
 // 1 MB track over and over keeps the same resident memory, and no file open.
@@ -317,7 +388,10 @@ TEST_F(TrackFile, ReadingAndSavingInALoopKeepsResidentMemoryFlat) {
   track->AddTagDatiLogo(Bytes(900 * 1024, 9), "logo.png");
   const std::string path = dir_.path() + name_ + ".tkk";
   std::unique_ptr<CFileTkk> same = fixtures::MakeSmallTrack();
-  const auto round = [&] { ASSERT_TRUE(track->SalvaFileInPath(dir_.path(), &name_) == name_ && Open(path)->IsGood() && same->LeggiFile(path, false)); };
+  const auto round = [&] {
+    ASSERT_TRUE(track->SalvaFileInPath(dir_.path(), &name_) == name_ && Open(path)->IsGood() &&
+                same->LeggiFile(path, false));
+  };
   for (int i = 0; i < 20; ++i) round();
   const long before = ResidentKb(), files = OpenFiles();
   for (int i = 0; i < 100; ++i) round();
@@ -342,7 +416,8 @@ TEST_F(TrackFile, RandomTracksComeBackByteForByte) {
     const Bytes plain = SaveIn(*built, other.path());
     faults::PlainContainer(false);
     const Bytes saved = SaveIn(*built, dir_.path());
-    EXPECT_EQ(std::make_pair(saved, std::string(built->GetTagInfoFile().GuidNomeFile, 8)), std::make_pair(plain, name_));
+    EXPECT_EQ(std::make_pair(saved, std::string(built->GetTagInfoFile().GuidNomeFile, 8)),
+              std::make_pair(plain, name_));
     for (int way = 0; way < 3; ++way) {  // a new object through either container, then the used one
       faults::PlainContainer(way == 1);
       std::unique_ptr<CFileTkk> fresh = way < 2 ? Open(path) : nullptr;
@@ -359,7 +434,9 @@ TEST_F(TrackFile, RandomTracksComeBackByteForByte) {
 // systems with hard links and on memory cards without them. The name tells
 // a maker's track from a user's.
 TEST_F(TrackFile, GeneratedNamesNeverReplaceATrack) {
-  const bool cases[][3] = {{false, false, false}, {true, false, true}, {true, true, false}};  // no links, no exclusive rename, maker's
+  const bool cases[][3] = {{false, false, false},
+                           {true, false, true},
+                           {true, true, false}};  // no links, no exclusive rename, maker's
   for (const auto& c : cases) {
     fixtures::TempDir dir;
     faults::NoHardLinks(c[0], c[1]);
@@ -369,16 +446,19 @@ TEST_F(TrackFile, GeneratedNamesNeverReplaceATrack) {
     const std::string a = first->SalvaFileInPath(dir.path(), nullptr);
     const std::string b = fixtures::MakeRandomTrack(2, c[2])->SalvaFileInPath(dir.path(), nullptr);
     const long long waits = fakeclock::UsleepCalls(), waited = fakeclock::UsleepMicros();
-    fakeclock::Reset(), faults::NoHardLinks(false);
+    fakeclock::Reset();
+    faults::NoHardLinks(false);
     ASSERT_EQ(a.size() + b.size(), 16u);
-    EXPECT_EQ(std::make_pair(waits > 0, waited), std::make_pair(true, 25000 * waits));  // the second save waited as the generator does
+    EXPECT_EQ(std::make_pair(waits > 0, waited),
+              std::make_pair(true, 25000 * waits));  // the second save waited as the generator does
     EXPECT_EQ(dir.Entries(), (Texts{std::min(a, b) + ".tkk", std::max(a, b) + ".tkk"}));
     EXPECT_EQ(std::string(first->GetTagInfoFile().GuidNomeFile, 8), a);
     tm when;
     bool isVek = !c[2], isDev = true;
     ASSERT_TRUE(IGuidNomeFile::GetDaNomeFile(a, when, isVek, isDev));
     std::unique_ptr<CFileTkk> read = Open(dir.path() + a + ".tkk");
-    EXPECT_EQ(std::make_tuple(isVek, isDev, read->IsVekTrack(), Contents(*read)), std::make_tuple(c[2], false, c[2], Contents(*first)));
+    EXPECT_EQ(std::make_tuple(isVek, isDev, read->IsVekTrack(), Contents(*read)),
+              std::make_tuple(c[2], false, c[2], Contents(*first)));
   }
   // A dangling link under a free-looking name is left alone: the track is
   // composed afresh for the next name.
@@ -387,7 +467,8 @@ TEST_F(TrackFile, GeneratedNamesNeverReplaceATrack) {
   track->AddTagDatiLogo(Bytes(20, 1), "a.png");
   std::string names[2];
   for (int i = 0; i < 2; ++i) {
-    fakeclock::Freeze(fakeclock::Utc(2026, 11, 22, 10, 0, 0)), fakeclock::QueueRand({0x105});
+    fakeclock::Freeze(fakeclock::Utc(2026, 11, 22, 10, 0, 0));
+    fakeclock::QueueRand({0x105});
     names[i] = track->SalvaFileInPath(dir.path(), nullptr);
     fakeclock::Reset();
     const std::string first = dir.path() + names[0] + ".tkk";
@@ -401,7 +482,8 @@ TEST_F(TrackFile, GeneratedNamesNeverReplaceATrack) {
 TEST_F(TrackFile, LogosOfNineBytesOrLessAreNotSaved) {
   auto track = fixtures::MakeSmallTrack();
   const Idx idx = With(&Idx::IdxLogo, track->AddTagDatiLogo(Bytes(9, 1), "/x/small.png"));
-  track->AddTagDatiLogo(Bytes(10, 2), "/x/big.png"), track->AddTagDatiLogo(Bytes(50, 3), "");  // no name: not saved either
+  track->AddTagDatiLogo(Bytes(10, 2), "/x/big.png"),
+      track->AddTagDatiLogo(Bytes(50, 3), "");  // no name: not saved either
   ASSERT_TRUE(track->AddTagInfoVariante("", "", Fw(), idx));
   ASSERT_EQ(track->SalvaFileInPath(dir_.path(), &name_), name_);
   // Only "big.png" became an atom: the variant whose IdxLogo is 0 now
@@ -413,13 +495,16 @@ TEST_F(TrackFile, LogosOfNineBytesOrLessAreNotSaved) {
   // with no "lgo" atom the variant that names logo 0 is skipped on reading.
   ASSERT_EQ(track->SalvaFileInPathLogoEsterno(dir_.path(), "logo0002"), "logo0002");
   EXPECT_EQ(dir_.Entries(), (Texts{"0k3f9zq1.tkk", "big.png", "logo0002.png", "logo0002.tkk"}));
-  EXPECT_TRUE(fixtures::ReadAll(dir_.path() + "logo0002.png") == Bytes(10, 2) && Open(dir_.path() + "logo0002.tkk")->GetTagsInfoVarianti().size() == 1);
+  EXPECT_TRUE(fixtures::ReadAll(dir_.path() + "logo0002.png") == Bytes(10, 2) &&
+              Open(dir_.path() + "logo0002.tkk")->GetTagsInfoVarianti().size() == 1);
 }
 
 TEST_F(TrackFile, NoEncoderNoFile) {
   auto track = fixtures::MakeSmallTrack();
   faults::FailEncoderCreation(true);
-  EXPECT_EQ(track->SalvaFileInPath(dir_.path(), &name_) + track->SalvaFileInPath(dir_.path(), nullptr) + track->SalvaFileInPathLogoEsterno(dir_.path(), name_), "");
+  EXPECT_EQ(track->SalvaFileInPath(dir_.path(), &name_) + track->SalvaFileInPath(dir_.path(), nullptr) +
+                track->SalvaFileInPathLogoEsterno(dir_.path(), name_),
+            "");
   EXPECT_TRUE(dir_.Entries().empty() && evtrec::Events().empty());
 }
 
@@ -465,14 +550,27 @@ TEST_F(TrackFile, SmallTrackFileComposedFromTheDocument) {
 
   // fixtures::MakeSmallTrack: a user's track, so its variant uses line type
   // 4; time zone 50 and circuit type 1 as new variants have; all else zero.
-  const uint32_t shape[] = {456200000, 92800000, 162000, 456210000, 92810000, 162500, 456220000, 92790000, 163000};
+  const uint32_t shape[] = {456200000, 92800000,  162000,   456210000, 92810000,
+                            162500,    456220000, 92790000, 163000};
   Rec pts{Bytes(36)};
   for (size_t k = 0; k < 9; ++k) pts.Put(4 * k, shape[k]);
-  const Bytes ptkk = Rec{Bytes(268)}.Put(0, 0).Text(4, "Monza").Text(260, name_).b, vsw = Rec{Bytes(256)}.Text(0, "GP").b;
-  const Bytes vnfo = Rec{Bytes(476)}.Text(0, "Monza GP").Text(28, "ITA").Text(32, "MB").Put(60, 50).Put(72, 1).Put(78, 4, 1).Put(468, 0x0000123456780001ull, 8).b;
-  const Bytes vidx = Rec{Bytes(8)}.Put(0, 0, 2).Put(2, 0, 2).Put(4, 0xFFFF, 2).Put(6, 0xFFFF, 2).b;  // surfaces, shape, logo, texts
+  const Bytes ptkk = Rec{Bytes(268)}.Put(0, 0).Text(4, "Monza").Text(260, name_).b,
+              vsw = Rec{Bytes(256)}.Text(0, "GP").b;
+  const Bytes vnfo = Rec{Bytes(476)}
+                         .Text(0, "Monza GP")
+                         .Text(28, "ITA")
+                         .Text(32, "MB")
+                         .Put(60, 50)
+                         .Put(72, 1)
+                         .Put(78, 4, 1)
+                         .Put(468, 0x0000123456780001ull, 8)
+                         .b;
+  const Bytes vidx =
+      Rec{Bytes(8)}.Put(0, 0, 2).Put(2, 0, 2).Put(4, 0xFFFF, 2).Put(6, 0xFFFF, 2).b;  // surfaces, shape,
+                                                                                      // logo, texts
   Bytes file;
-  for (const auto& [tag, payload] : std::vector<std::pair<std::string, Bytes>>{{"Ptkk", ptkk}, {"Vnfo", vnfo}, {"V_sw", vsw}, {"Vidx", vidx}, {"pts", pts.b}})
+  for (const auto& [tag, payload] : std::vector<std::pair<std::string, Bytes>>{
+           {"Ptkk", ptkk}, {"Vnfo", vnfo}, {"V_sw", vsw}, {"Vidx", vidx}, {"pts", pts.b}})
     Atom(file, tag, payload);
   file.insert(file.end(), srfs.begin(), srfs.end());
   ASSERT_EQ(file.size(), 1120u);
@@ -493,8 +591,12 @@ TEST_F(TrackFile, SmallTrackFileComposedFromTheDocument) {
   EXPECT_EQ(Raw(v.Punti->Punti.data(), v.Punti->Punti.size() * sizeof(_t_s_lla_i)), pts.b);
   EXPECT_EQ(v.FondiStradali->Fondi, std::vector<_eTipoRoadSurfaceTkk>{FONDO_PAVED});
   // The fields named by the document hold its values.
-  EXPECT_EQ(track->GetNamexSito() + "/" + track->GetNomeXDevice() + "/" + track->GetNationCode() + "/" + track->GetSubNationCode() + "/" + track->GetNomePista(), "Monza/Monza GP/ITA/MB/GP");
-  EXPECT_EQ(std::make_tuple(v.InfoFw.TimeZone, v.InfoFw.TipoTracciato, v.InfoFw.InfoBeacons.TipoBeaconInUso + 0, uint64_t{v.InfoFw.Guid.Valore}), std::make_tuple(50, 1, 4, 0x0000123456780001ull));
+  EXPECT_EQ(track->GetNamexSito() + "/" + track->GetNomeXDevice() + "/" + track->GetNationCode() + "/" +
+                track->GetSubNationCode() + "/" + track->GetNomePista(),
+            "Monza/Monza GP/ITA/MB/GP");
+  EXPECT_EQ(std::make_tuple(v.InfoFw.TimeZone, v.InfoFw.TipoTracciato,
+                            v.InfoFw.InfoBeacons.TipoBeaconInUso + 0, uint64_t{v.InfoFw.Guid.Valore}),
+            std::make_tuple(50, 1, 4, 0x0000123456780001ull));
 }
 
 // --- Building and editing in memory -----------------------------------------
@@ -504,12 +606,14 @@ using TrackEdit = TrackFile;
 // Shapes are kept below 8000 points: from 8000 on every second point is
 // kept, from 16000 every third, and so on.
 TEST_F(TrackEdit, ShapesAreThinnedBelow8000Points) {
-  const size_t cases[][3] = {{1, 1, 1}, {7999, 7999, 1}, {8000, 4000, 2}, {15999, 8000, 2}, {16000, 5334, 3}, {24000, 6000, 4}};  // in, kept, stride
+  const size_t cases[][3] = {{1, 1, 1},        {7999, 7999, 1},  {8000, 4000, 2},
+                             {15999, 8000, 2}, {16000, 5334, 3}, {24000, 6000, 4}};  // in, kept, stride
   for (const auto& c : cases) {
     std::vector<_t_s_lla_i> points(c[0]);
     auto t = Empty();
     for (size_t i = 0; i < c[0]; ++i) points[i].LatI = static_cast<int32_t>(i);
-    ASSERT_TRUE(t->AddTagInfoVariante("", "", Fw(), With(&Idx::IdxPunti, t->AddTagDatiPuntiTracciato(points))));
+    ASSERT_TRUE(
+        t->AddTagInfoVariante("", "", Fw(), With(&Idx::IdxPunti, t->AddTagDatiPuntiTracciato(points))));
     const auto& kept = t->GetTagInfo()->Punti->Punti;
     ASSERT_EQ(kept.size(), c[1]) << c[0];
     for (size_t k = 0; k < kept.size(); ++k) ASSERT_EQ(kept[k].LatI, static_cast<int32_t>(k * c[2]));
@@ -518,15 +622,21 @@ TEST_F(TrackEdit, ShapesAreThinnedBelow8000Points) {
 
 TEST_F(TrackEdit, AddOperationsReturnIndexesThatVariantsMustUse) {
   auto t = Empty();  // empty lists are refused; the braces call in order
-  EXPECT_EQ((std::vector<unsigned>{t->AddDatiFondoStradale({}), t->AddTagDatiPuntiTracciato({}), t->AddTagDatiLogo({}, "a"), t->AddDatiFondoStradale({FONDO_ICE}),
-                                   t->AddTagDatiPuntiTracciato({{1, 2, 3}}), t->AddDatiFondoStradale({FONDO_DIRT, FONDO_WATER}), t->AddTagDatiLogo({1, 2}, "a.png"),
-                                   t->AddTagDatiPlus(STagDatiPlus()), t->AddTagDatiPlus(STagDatiPlus())}), (std::vector<unsigned>{0xFFFF, 0xFFFF, 0xFFFF, 0, 0, 1, 0, 0, 1}));
-  for (auto field : {&Idx::IdxFondiStradali, &Idx::IdxPunti, &Idx::IdxLogo, &Idx::IdxDatiPlus})  // one past the last entry
-    EXPECT_FALSE(t->AddTagInfoVariante("", "", Fw(), With(field, field == &Idx::IdxPunti || field == &Idx::IdxLogo ? 1 : 2)));
+  EXPECT_EQ((std::vector<unsigned>{
+                t->AddDatiFondoStradale({}), t->AddTagDatiPuntiTracciato({}), t->AddTagDatiLogo({}, "a"),
+                t->AddDatiFondoStradale({FONDO_ICE}), t->AddTagDatiPuntiTracciato({{1, 2, 3}}),
+                t->AddDatiFondoStradale({FONDO_DIRT, FONDO_WATER}), t->AddTagDatiLogo({1, 2}, "a.png"),
+                t->AddTagDatiPlus(STagDatiPlus()), t->AddTagDatiPlus(STagDatiPlus())}),
+            (std::vector<unsigned>{0xFFFF, 0xFFFF, 0xFFFF, 0, 0, 1, 0, 0, 1}));
+  for (auto field :
+       {&Idx::IdxFondiStradali, &Idx::IdxPunti, &Idx::IdxLogo, &Idx::IdxDatiPlus})  // one past the last entry
+    EXPECT_FALSE(t->AddTagInfoVariante(
+        "", "", Fw(), With(field, field == &Idx::IdxPunti || field == &Idx::IdxLogo ? 1 : 2)));
   EXPECT_TRUE(t->GetTagsInfoVarianti().empty() && evtrec::Events().empty());
   // A user's track always uses the user's beacons; a missing GUID is made
   // with the track's flags, a given one is kept.
-  const bool cases[][3] = {{false, false, true}, {true, false, false}, {false, true, true}};  // read only, dev, user's beacons
+  const bool cases[][3] = {
+      {false, false, true}, {true, false, false}, {false, true, true}};  // read only, dev, user's beacons
   for (const auto& c : cases) {
     auto u = Empty(c[0], c[1]);
     Fw fw;
@@ -537,7 +647,8 @@ TEST_F(TrackEdit, AddOperationsReturnIndexesThatVariantsMustUse) {
     IGuidTkk::GetDaGuidTkk(u->GetGuidVariante(0), when, isVek, isDev);
     fw.Guid.Valore = 0x1234;
     ASSERT_TRUE(u->AddTagInfoVariante("", "", fw, Idx()));
-    EXPECT_EQ(std::make_tuple(u->GetTagInfo()->InfoFw.InfoBeacons.TipoBeaconInUso + 0, isVek, isDev, uint64_t{u->GetGuidVariante(1).Valore}),
+    EXPECT_EQ(std::make_tuple(u->GetTagInfo()->InfoFw.InfoBeacons.TipoBeaconInUso + 0, isVek, isDev,
+                              uint64_t{u->GetGuidVariante(1).Valore}),
               std::make_tuple(c[2] ? BEACON_USER : BEACON_OPTIC, c[0], c[1], uint64_t{0x1234}));
   }
   // The main variant linked to the first shape drops its other indexes; the
@@ -560,23 +671,29 @@ TEST_F(TrackEdit, NamesAreConvertedAndCutToTheirFields) {
   ASSERT_NE(setlocale(LC_CTYPE, "en_US.ISO-8859-1"), nullptr) << "test locale missing";
   auto t = Empty();
   _STagInfoFileTKK info;  // a new object's file name is whatever memory held: make it empty
-  memset(info.GuidNomeFile, 0, 8), t->SetTagInfoFile("", info);
+  memset(info.GuidNomeFile, 0, 8);
+  t->SetTagInfoFile("", info);
   Fw fw;
   EXPECT_EQ(std::string(fw.NomeXDevice, 28), std::string(28, '\0'));  // a new record's name is empty
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
   ASSERT_TRUE(t->AddTagInfoVariante(std::string(300, 'p'), std::string(40, 'd'), fw, Idx()));
   ASSERT_TRUE(t->AddTagInfoVariante("\xE8", "", fw, Idx()));
-  EXPECT_EQ(std::make_pair(std::string(t->GetTagInfo()->InfoSw.NomePista, 256), t->GetNomeXDevice()), std::make_pair(std::string(256, 'p'), std::string(28, 'd') + "ITA"));
-  EXPECT_EQ(std::string(t->GetTagInfoVariante(1)->InfoSw.NomePista, 4) + std::string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice, 28),
+  EXPECT_EQ(std::make_pair(std::string(t->GetTagInfo()->InfoSw.NomePista, 256), t->GetNomeXDevice()),
+            std::make_pair(std::string(256, 'p'), std::string(28, 'd') + "ITA"));
+  EXPECT_EQ(std::string(t->GetTagInfoVariante(1)->InfoSw.NomePista, 4) +
+                std::string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice, 28),
             std::string("\xC3\xA8\0\0", 4) + std::string(28, '\0'));
   t->SetNamexSito(std::string(300, 's'));
   EXPECT_EQ(t->GetTrackNameCompleto(), std::string(256, 's') + " " + std::string(28, 'd') + "ITA");
   t->SetNationCode("ITALY");
   EXPECT_EQ(t->GetNationCode(), "ITALMB");
-  t->SetNationCode("\xC4"), t->SetSubNationCode("MI");
+  t->SetNationCode("\xC4");
+  t->SetSubNationCode("MI");
   EXPECT_EQ(std::string(t->GetTagInfo()->InfoFw.NationCode, 8), std::string("\xC4\0\0\0MI\0\0", 8));
-  t->SetNomeXDevice("N\xFCrburg"), t->SetNamexSito("Gro\xDF");
-  EXPECT_EQ(std::make_pair(std::string(t->GetTagInfo()->InfoFw.NomeXDevice), t->GetTrackNameCompleto()), std::make_pair(std::string("N\xC3\xBCrburg"), std::string("Gro\xDF N\xFCrburg")));
+  t->SetNomeXDevice("N\xFCrburg");
+  t->SetNamexSito("Gro\xDF");
+  EXPECT_EQ(std::make_pair(std::string(t->GetTagInfo()->InfoFw.NomeXDevice), t->GetTrackNameCompleto()),
+            std::make_pair(std::string("N\xC3\xBCrburg"), std::string("Gro\xDF N\xFCrburg")));
   memcpy(info.NamexSito, "Gro\xC3\x9F", 5);
   t->SetTagInfoFile("", info);  // the record's name, unless one is given
   const std::string recorded = t->GetNamexSito();
@@ -589,7 +706,9 @@ TEST_F(TrackEdit, AttributesOfTheMainVariant) {
   auto e = Empty();  // without a variant: defaults, and setters change nothing
   int zone = 7, delta = 8;
   tm when = {}, back = {};
-  e->SetTimezone(3), e->SetCitta("Imola"), e->GetDateTimeTMModifica(when);
+  e->SetTimezone(3);
+  e->SetCitta("Imola");
+  e->GetDateTimeTMModifica(when);
   EXPECT_FALSE(e->GetTrackTimeZone(zone, delta) || e->HasShape() || e->IsTrashed() || e->IsTrackObsoleta());
   EXPECT_EQ(zone + e->GetTimeZone() + e->GetDeltaMin() + when.tm_mday, 7);
   EXPECT_EQ(e->GetNationCode() + e->GetSubNationCode() + e->GetTrackComment() + e->GetStringaVarianti(), "");
@@ -597,21 +716,30 @@ TEST_F(TrackEdit, AttributesOfTheMainVariant) {
 
   auto t = fixtures::MakeSmallTrack();
   when.tm_year = 124, when.tm_mday = 5;
-  t->AggiornaDataModifica(when), t->GetDateTimeTMModifica(back);
+  t->AggiornaDataModifica(when);
+  t->GetDateTimeTMModifica(back);
   ASSERT_TRUE(t->GetTrackTimeZone(zone, delta));
-  EXPECT_EQ(back.tm_year * 100 + back.tm_mday + zone * 1000000, 50012405);  // a new variant's zone is not determined
-  t->SetTimezone(-5), t->SetDeltaMin(30), t->SetTrackAnglePlot(12.5f), t->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
-  EXPECT_EQ(std::make_pair(t->GetTimeZone() * 100 + t->GetDeltaMin(), t->GetTrackAnglePlot()), std::make_pair(-470, 12.5f));
-  EXPECT_EQ(t->OttieniStringaxTrackTypeCircuitKey() + (t->IsTrackChiuso() ? " closed" : "") + (t->HasShape() ? " shape" : ""), "Rally shape");
+  EXPECT_EQ(back.tm_year * 100 + back.tm_mday + zone * 1000000,
+            50012405);  // a new variant's zone is not determined
+  t->SetTimezone(-5), t->SetDeltaMin(30), t->SetTrackAnglePlot(12.5f),
+      t->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
+  EXPECT_EQ(std::make_pair(t->GetTimeZone() * 100 + t->GetDeltaMin(), t->GetTrackAnglePlot()),
+            std::make_pair(-470, 12.5f));
+  EXPECT_EQ(t->OttieniStringaxTrackTypeCircuitKey() + (t->IsTrackChiuso() ? " closed" : "") +
+                (t->HasShape() ? " shape" : ""),
+            "Rally shape");
   t->RemoveShape();  // the points go, the list stays
   EXPECT_FALSE(t->HasShape() || t->GetTagInfo()->Punti == nullptr);
   // The road-surface key replaces the first entry of the main list; without
   // a variant one is made with a list of just the key.
   t->SetFondoStradaleKey(FONDO_ICE);
-  EXPECT_EQ(t->OttieniStringaxFondoStradaleKey() + std::to_string(t->GetTagInfo()->FondiStradali->Fondi.size()), "Ice1");
+  EXPECT_EQ(
+      t->OttieniStringaxFondoStradaleKey() + std::to_string(t->GetTagInfo()->FondiStradali->Fondi.size()),
+      "Ice1");
   e->SetFondoStradaleKey(FONDO_DIRT);
   ASSERT_EQ(e->GetTagsInfoVarianti().size(), 1u);
-  EXPECT_EQ(std::make_pair(e->GetTagInfo()->FondiStradali->Fondi, e->GetNomeXDevice() + e->GetNomePista()), std::make_pair(std::vector<_eTipoRoadSurfaceTkk>{FONDO_DIRT}, std::string()));
+  EXPECT_EQ(std::make_pair(e->GetTagInfo()->FondiStradali->Fondi, e->GetNomeXDevice() + e->GetNomePista()),
+            std::make_pair(std::vector<_eTipoRoadSurfaceTkk>{FONDO_DIRT}, std::string()));
   // The city is the main variant's record's, the comment the first record's.
   STagDatiPlus first, own;
   first.Comment = "first", own.Nomignolo = "Ring";
@@ -623,7 +751,8 @@ TEST_F(TrackEdit, AttributesOfTheMainVariant) {
 }
 
 TEST_F(TrackEdit, GoodTracksUseLineTypes1To4AndAreNotBothMakersAndDevelopment) {
-  const int cases[][4] = {{0, 0, 1, 1}, {1, 0, 4, 1}, {1, 1, 1, 0}, {1, 0, 0, 0}, {1, 0, 5, 0}};  // vek, dev, type, good
+  const int cases[][4] = {
+      {0, 0, 1, 1}, {1, 0, 4, 1}, {1, 1, 1, 0}, {1, 0, 0, 0}, {1, 0, 5, 0}};  // vek, dev, type, good
   for (const auto& c : cases) {
     auto t = Empty(c[0], c[1]);
     ASSERT_TRUE(t->AddTagInfoVariante("", "", Fw(), Idx()));
@@ -639,7 +768,8 @@ TEST_F(TrackEdit, ObjectsOpenedReadOnlyOrWithoutLogosRefuseChanges) {
   fixtures::MakeSmallTrack()->SalvaFileInPath(dir_.path(), &name);
   fixtures::WriteAll(badge, {1, 2, 3});
   for (const bool senzaLogo : {false, true}) {
-    std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(dir_.path() + name + ".tkk", !senzaLogo, senzaLogo)));
+    std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(
+        IFileTkk::CreateMeUponFile(dir_.path() + name + ".tkk", !senzaLogo, senzaLogo)));
     ASSERT_TRUE(t->IsGood());
     evtrec::Reset(true);
     // A refused Add answers the index of the last entry (the read lists
@@ -647,7 +777,9 @@ TEST_F(TrackEdit, ObjectsOpenedReadOnlyOrWithoutLogosRefuseChanges) {
     EXPECT_EQ(t->AddDatiFondoStradale({FONDO_ICE}) + t->AddTagDatiPuntiTracciato({{1, 1, 1}}), 0);
     EXPECT_EQ(t->AddTagDatiPlus(STagDatiPlus()) & t->AddTagDatiLogo({1, 2, 3}, "a.png"), 0xFFFF);
     EXPECT_FALSE(t->AddTagInfoVariante("", "", Fw(), Idx()));
-    EXPECT_EQ(t->SalvaFileInPath(dir_.path(), &name) + t->SalvaFileInPath(dir_.path(), nullptr) + t->SalvaFileInPathLogoEsterno(dir_.path(), name), "");
+    EXPECT_EQ(t->SalvaFileInPath(dir_.path(), &name) + t->SalvaFileInPath(dir_.path(), nullptr) +
+                  t->SalvaFileInPathLogoEsterno(dir_.path(), name),
+              "");
     Bytes buffer = {42};
     EXPECT_EQ(t->SaveTrackFileLogoBuffer(buffer, badge), senzaLogo ? 0u : 3u);
     EXPECT_EQ(buffer, (senzaLogo ? Bytes{42} : Bytes{1, 2, 3}));
@@ -673,9 +805,12 @@ TEST_F(TrackEdit, SettingALogoLoadsTheImage) {
   ASSERT_NE(main->Logo, nullptr);
   // The indexes become one 32-bit zero, whatever the position: a missing
   // image empties the logo and unsets them.
-  EXPECT_EQ(std::make_tuple(main->Logo->Dati, main->Logo->NomeFile, main->Indici.IdxLogo + main->Indici.IdxDatiPlus), std::make_tuple(image, "badge.png", 0));
+  EXPECT_EQ(std::make_tuple(main->Logo->Dati, main->Logo->NomeFile,
+                            main->Indici.IdxLogo + main->Indici.IdxDatiPlus),
+            std::make_tuple(image, "badge.png", 0));
   t->SetTrackLogo(dir_.path() + "missing.png");
-  EXPECT_EQ(std::make_tuple(main->Logo, main->Logo->Dati, main->Logo->NomeFile, main->Indici.IdxLogo & main->Indici.IdxDatiPlus),
+  EXPECT_EQ(std::make_tuple(main->Logo, main->Logo->Dati, main->Logo->NomeFile,
+                            main->Indici.IdxLogo & main->Indici.IdxDatiPlus),
             std::make_tuple(t->GetTrackLogoBuffer(), Bytes{}, "", 0xFFFF));
   auto none = Empty();
   none->SetTrackLogo(badge);
@@ -701,11 +836,15 @@ TEST_F(TrackEdit, BeaconSets) {
     b.SetLarghezzaPista(10u + type, static_cast<_eTipoBeaconDaUsare>(type));
     b.TipoBeaconInUso = type;
     b.GetLineeSplitLLH(lines, BEACON_IN_USO);
-    EXPECT_EQ(std::make_tuple(b.LineeBeacon[type - 1][0].LarghezzaPista, b.GetLarghezzaPista(BEACON_IN_USO), lines), std::make_tuple(10u + type, 10u + type, +b.LineeBeacon[type - 1]));
+    EXPECT_EQ(
+        std::make_tuple(b.LineeBeacon[type - 1][0].LarghezzaPista, b.GetLarghezzaPista(BEACON_IN_USO), lines),
+        std::make_tuple(10u + type, 10u + type, +b.LineeBeacon[type - 1]));
   }
   for (int inUse : {0, 5}) {
     b.TipoBeaconInUso = static_cast<uint8_t>(inUse);
-    EXPECT_TRUE(b.GetLineeSplitLLH(lines, BEACON_IN_USO) + b.GetLarghezzaPista(BEACON_IN_USO) == 0 && lines == nullptr) << inUse;
+    EXPECT_TRUE(b.GetLineeSplitLLH(lines, BEACON_IN_USO) + b.GetLarghezzaPista(BEACON_IN_USO) == 0 &&
+                lines == nullptr)
+        << inUse;
   }
   // Moving the set in use to another type copies its finish line six times.
   auto t = fixtures::MakeSmallTrack();
@@ -715,27 +854,38 @@ TEST_F(TrackEdit, BeaconSets) {
   EXPECT_EQ(t->GetLarghezzaPista(), 15u);
   EXPECT_TRUE(t->TrasformaSetDiBeacon(BEACON_OPTIC));
   for (const auto& l : own.LineeBeacon[2]) EXPECT_EQ(l.LatI * 100 + l.LarghezzaPista, 1015u);
-  EXPECT_EQ(own.GetNumeroSplit(BEACON_IN_USO) * 10 + own.TipoBeaconInUso, 31u);  // the set in use is unchanged
+  EXPECT_EQ(own.GetNumeroSplit(BEACON_IN_USO) * 10 + own.TipoBeaconInUso,
+            31u);  // the set in use is unchanged
   const bool raceTrack = t->CanUseBeaconTypeMagnetic();
   t->SetTrackTypeCircuitKey(TRACCIATO_KART_TRACK);
   EXPECT_TRUE(!raceTrack && t->CanUseBeaconTypeMagnetic());
 }
 
 TEST_F(TrackEdit, LengthKeyIsTheStandardLengthBelow) {
-  const std::pair<double, unsigned> cases[] = {{0.0, 0}, {-3.0, 0}, {50.0, 23}, {80.4672, 23}, {80.5, 804672}, {160.9344, 804672}, {160.94, 1609344},
-                                               {1609.30, 12874756}, {1609.35, 16093445}, {5000.0, 32186890}, {1e9, 32186890}};
-  for (const auto& c : cases) EXPECT_EQ(CDistanceCalculator::GetLunghezzaFrazionaria(c.first), c.second) << c.first;
+  const std::pair<double, unsigned> cases[] = {{0.0, 0},           {-3.0, 0},           {50.0, 23},
+                                               {80.4672, 23},      {80.5, 804672},      {160.9344, 804672},
+                                               {160.94, 1609344},  {1609.30, 12874756}, {1609.35, 16093445},
+                                               {5000.0, 32186890}, {1e9, 32186890}};
+  for (const auto& c : cases)
+    EXPECT_EQ(CDistanceCalculator::GetLunghezzaFrazionaria(c.first), c.second) << c.first;
   // Setting key and length together: a known key gives its whole metres;
   // another key does not count, the length does.
-  const double rows[][4] = {{12070083, 999.0, 12070083, 1207.0}, {16093445, NAN, 16093445, 1609.0}, {12345, 777.5, 0, 777.5},
-                            {0, 12.25, 0, 12.25}, {NAN, 3.5, 0, 3.5}, {12345, NAN, 0, 0.0}, {NAN, NAN, 0, 0.0}};  // key, metres, stored key, stored metres
+  const double rows[][4] = {{12070083, 999.0, 12070083, 1207.0},
+                            {16093445, NAN, 16093445, 1609.0},
+                            {12345, 777.5, 0, 777.5},
+                            {0, 12.25, 0, 12.25},
+                            {NAN, 3.5, 0, 3.5},
+                            {12345, NAN, 0, 0.0},
+                            {NAN, NAN, 0, 0.0}};  // key, metres, stored key, stored metres
   for (const auto& r : rows) {
     Fw fw;
     fw.TipoLunghezza = 42, fw.Lunghezza = 42.0f;
     const auto key = static_cast<_eTipoLunghezzaPista>(std::isnan(r[0]) ? 0u : static_cast<unsigned>(r[0]));
     const float metres = static_cast<float>(r[1]);
     fw.ImpostaLunghezzaPista(std::isnan(r[0]) ? nullptr : &key, std::isnan(r[1]) ? nullptr : &metres);
-    EXPECT_EQ(std::make_pair(static_cast<double>(fw.TipoLunghezza), static_cast<double>(fw.Lunghezza)), std::make_pair(r[2], r[3])) << r[0];
+    EXPECT_EQ(std::make_pair(static_cast<double>(fw.TipoLunghezza), static_cast<double>(fw.Lunghezza)),
+              std::make_pair(r[2], r[3]))
+        << r[0];
   }
 }
 
@@ -746,13 +896,19 @@ TEST_F(TrackEdit, AssigningTheLengthReportsEachChangeOnce) {
   t->SetTrackLenght(&halfMile, nullptr);
   ASSERT_EQ(t->GetTrackLenght(), 804.0f);
   EXPECT_TRUE(t->AssignTrackLength());
-  EXPECT_EQ(std::make_pair(unsigned{t->GetTrackLenghtKey()}, t->GetTrackLenght()), std::make_pair(0u, 0.0f));  // the shape adds nothing to the length
+  EXPECT_EQ(std::make_pair(unsigned{t->GetTrackLenghtKey()}, t->GetTrackLenght()),
+            std::make_pair(0u, 0.0f));  // the shape adds nothing to the length
   const std::string length = "INFO for track 'Monza GP' changed length for track from 804.00 m to 0.00 m";
-  EXPECT_EQ(Reports(), (Texts{"INFO for track 'Monza GP' changed fractionary length for track from 1/2 mi to custom", length}));
+  EXPECT_EQ(Reports(),
+            (Texts{"INFO for track 'Monza GP' changed fractionary length for track from 1/2 mi to custom",
+                   length}));
   EXPECT_EQ(evtrec::Events()[0].priority, 6);
   EXPECT_TRUE(t->AssignTrackLength() && evtrec::Events().size() == 2);
   // Other circuit types lose their key without a word.
-  t->SetTrackTypeCircuitKey(TRACCIATO_RACE_TRACK), t->SetTrackLenght(&halfMile, nullptr), evtrec::Reset(true), t->AssignTrackLength();
+  t->SetTrackTypeCircuitKey(TRACCIATO_RACE_TRACK);
+  t->SetTrackLenght(&halfMile, nullptr);
+  evtrec::Reset(true);
+  t->AssignTrackLength();
   EXPECT_EQ(Reports(), Texts{length});
 }
 
@@ -760,30 +916,36 @@ TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
   auto dev = Empty(false, true);
   Fw fw;
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
-  fw.InfoBeacons.LineeBeacon[3][0] = Line(456200000, 92800000, 12), fw.InfoBeacons.LineeBeacon[3][1] = Line(456201000, 92800000, 12);
+  fw.InfoBeacons.LineeBeacon[3][0] = Line(456200000, 92800000, 12),
+  fw.InfoBeacons.LineeBeacon[3][1] = Line(456201000, 92800000, 12);
   ASSERT_TRUE(dev->AddTagInfoVariante("GP", "Monza", fw, Idx()));
   EXPECT_TRUE(dev->IsUserCreatedNewTrack());
   const Fw source = dev->GetTagInfo()->InfoFw;
-  EXPECT_FALSE(dev->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC) || !evtrec::Events().empty());  // false also on success
+  EXPECT_FALSE(dev->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC) ||
+               !evtrec::Events().empty());  // false also on success
   const auto files = dir_.Entries();
   ASSERT_EQ(files.size(), 1u);
   std::unique_ptr<IFileTkk> vek(IFileTkk::CreateMeUponFile(dir_.path() + files[0], false, false));
-  ASSERT_TRUE(vek->IsGood() && vek->IsVekTrack() && !vek->IsUserCreatedNewTrack() && vek->GetTagsInfoVarianti().size() == 1);
+  ASSERT_TRUE(vek->IsGood() && vek->IsVekTrack() && !vek->IsUserCreatedNewTrack() &&
+              vek->GetTagsInfoVarianti().size() == 1);
   EXPECT_EQ(vek->GetNomePista() + "/" + vek->GetNomeXDevice(), "GP/Monza");
   // The source's record but for the optic set (six copies of the finish
   // line) and the maker bit of the GUID; the source itself is unchanged.
   Fw expected = source;
   for (auto& l : expected.InfoBeacons.LineeBeacon[2]) l = source.InfoBeacons.LineeBeacon[3][0];
   expected.Guid.Byte[5] ^= 0x80;
-  EXPECT_TRUE(memcmp(&vek->GetTagInfo()->InfoFw, &expected, sizeof expected) == 0 && IGuidTkk::IsVek(vek->GetTagInfo()->InfoFw.Guid));
+  EXPECT_TRUE(memcmp(&vek->GetTagInfo()->InfoFw, &expected, sizeof expected) == 0 &&
+              IGuidTkk::IsVek(vek->GetTagInfo()->InfoFw.Guid));
   EXPECT_EQ(memcmp(&dev->GetTagInfo()->InfoFw, &source, sizeof source), 0);
   dev->TrasformaPistaInVek();  // a toggle of bit 47
   EXPECT_EQ(uint64_t{dev->GetTagInfo()->InfoFw.Guid.Valore}, source.Guid.Valore ^ (1ull << 47));
 
-  EXPECT_FALSE(Empty(false, true)->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));  // nothing to convert
+  EXPECT_FALSE(
+      Empty(false, true)->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));  // nothing to convert
   auto maker = fixtures::MakeSmallTrack();
   EXPECT_FALSE(maker->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));
-  EXPECT_EQ(std::make_pair(Reports(), dir_.Entries()), std::make_pair(Texts{"ERROR La pista e' gia' Vek"}, files));
+  EXPECT_EQ(std::make_pair(Reports(), dir_.Entries()),
+            std::make_pair(Texts{"ERROR La pista e' gia' Vek"}, files));
   // A maker's track is never a user's, whatever its GUID says.
   maker = Empty(true, false);
   fw.Guid.Valore = 1ull << 47;
@@ -794,7 +956,8 @@ constexpr double kRefLat = 45.62, kRefLon = 9.28;
 
 // A line due north of the reference point, `metres` away along the meridian.
 _SDatoCoordinateBeacon North(double metres) {
-  return Line(ConvertiLatLonAs32(kRefLat + metres / 6372797.560856 * 180.0 / M_PI), ConvertiLatLonAs32(kRefLon));
+  return Line(ConvertiLatLonAs32(kRefLat + metres / 6372797.560856 * 180.0 / M_PI),
+              ConvertiLatLonAs32(kRefLon));
 }
 
 class TrackChecks : public TrackEdit {
@@ -806,23 +969,29 @@ class TrackChecks : public TrackEdit {
 };
 
 TEST_F(TrackChecks, ReferencePointIsRoundedToTheNearestStep) {
-  const std::pair<double, double> cases[][2] = {{{45.6, 9.28}, {456000000, 92800000}}, {{-0.00000005, 0.00000005}, {-1, 1}}, {{-33.5, -70.25}, {-335000000, -702500000}}};
+  const std::pair<double, double> cases[][2] = {{{45.6, 9.28}, {456000000, 92800000}},
+                                                {{-0.00000005, 0.00000005}, {-1, 1}},
+                                                {{-33.5, -70.25}, {-335000000, -702500000}}};
   for (const auto& c : cases) {
     t_->SetBaricentro(c[0].first, c[0].second);
-    EXPECT_EQ(std::make_pair(1.0 * t_->GetTagInfo()->InfoFw.LatRif, 1.0 * t_->GetTagInfo()->InfoFw.LonRif), c[1]);
+    EXPECT_EQ(std::make_pair(1.0 * t_->GetTagInfo()->InfoFw.LatRif, 1.0 * t_->GetTagInfo()->InfoFw.LonRif),
+              c[1]);
   }
 }
 
 TEST_F(TrackChecks, LinesMustLieWithin1000MetresOfTheReferencePoint) {
   auto e = Empty();  // no variant, or no line at all: nothing to check
-  EXPECT_TRUE(e->BaricentroCoerente(msg_) && e->AreCoherentBeacons(msg_) && e->AreEqualBeacons(BEACON_OPTIC, msg_) &&
-              e->IsVekTrackWithCorrectBeaconType(msg_) && t_->BaricentroCoerente(msg_));
+  EXPECT_TRUE(e->BaricentroCoerente(msg_) && e->AreCoherentBeacons(msg_) &&
+              e->AreEqualBeacons(BEACON_OPTIC, msg_) && e->IsVekTrackWithCorrectBeaconType(msg_) &&
+              t_->BaricentroCoerente(msg_));
   EXPECT_EQ(msg_, "");
-  t_->SetLineeSplitLLH(0, North(999.5), BEACON_IN_USO), t_->SetLineeSplitLLH(1, North(999.5), BEACON_IN_USO);
+  t_->SetLineeSplitLLH(0, North(999.5), BEACON_IN_USO);
+  t_->SetLineeSplitLLH(1, North(999.5), BEACON_IN_USO);
   EXPECT_TRUE(t_->BaricentroCoerente(msg_));
   t_->SetLineeSplitLLH(1, North(1000.5), BEACON_IN_USO);
   EXPECT_FALSE(t_->BaricentroCoerente(msg_));
-  EXPECT_EQ(msg_, "split n.1 is far from average point for track Monza GP distance = 1000 ref distance = 1000");
+  EXPECT_EQ(msg_,
+            "split n.1 is far from average point for track Monza GP distance = 1000 ref distance = 1000");
   t_->SetLineeSplitLLH(0, North(2500.2), BEACON_IN_USO);
   EXPECT_FALSE(t_->BaricentroCoerente(msg_));
   EXPECT_EQ(msg_, "lap is far from average point for track Monza GP distance = 2500 ref distance = 1000");
@@ -830,14 +999,17 @@ TEST_F(TrackChecks, LinesMustLieWithin1000MetresOfTheReferencePoint) {
 
 // In the United States every line lies west of Greenwich.
 TEST_F(TrackChecks, UnitedStatesLinesLieWest) {
-  t_->SetLineeSplitLLH(0, Line(456200000, 0), BEACON_IN_USO), t_->SetLineeSplitLLH(1, Line(456200000, 1), BEACON_IN_USO);
-  const std::pair<const char*, const char*> cases[] = {{"USA", "split n.1"}, {"US", "split n.1"}, {"ITA", ""}, {"U", ""}};
+  t_->SetLineeSplitLLH(0, Line(456200000, 0), BEACON_IN_USO),
+      t_->SetLineeSplitLLH(1, Line(456200000, 1), BEACON_IN_USO);
+  const std::pair<const char*, const char*> cases[] = {
+      {"USA", "split n.1"}, {"US", "split n.1"}, {"ITA", ""}, {"U", ""}};
   for (const auto& c : cases) {
     t_->SetNationCode(c.first);
     EXPECT_EQ(t_->AreCoherentBeacons(msg_), !*c.second) << c.first;
     EXPECT_EQ(msg_, *c.second ? c.second + std::string(" has not coherent coordinate") : "");
   }
-  t_->SetNationCode("USA"), t_->SetLineeSplitLLH(0, Line(456200000, 1), BEACON_IN_USO);
+  t_->SetNationCode("USA");
+  t_->SetLineeSplitLLH(0, Line(456200000, 1), BEACON_IN_USO);
   EXPECT_FALSE(t_->AreCoherentBeacons(msg_));
   EXPECT_EQ(msg_, "lap has not coherent coordinate");
 }
@@ -849,33 +1021,45 @@ TEST_F(TrackChecks, EqualBeaconsCompareCountsThenPositions) {
   EXPECT_FALSE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));
   EXPECT_EQ(msg_, "we have 3 beacons in set User and 2 beacons in set Optic");
   const _SDatoCoordinateBeacon three = North(3.0);
-  Beacons().SetLineeSplitLLH(2, Line(three.LatI, three.LonI, 7, 99), BEACON_OPTIC);  // height and width do not count
+  Beacons().SetLineeSplitLLH(2, Line(three.LatI, three.LonI, 7, 99),
+                             BEACON_OPTIC);  // height and width do not count
   EXPECT_TRUE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));
   EXPECT_EQ(msg_, "");
   const _SDatoCoordinateBeacon u0 = Beacons().LineeBeacon[3][0], u1 = Beacons().LineeBeacon[3][1];
-  const auto at = [](const _SDatoCoordinateBeacon& l) { return std::to_string(l.LatI) + ";" + std::to_string(l.LonI); };
+  const auto at = [](const _SDatoCoordinateBeacon& l) {
+    return std::to_string(l.LatI) + ";" + std::to_string(l.LonI);
+  };
   _SDatoCoordinateBeacon moved = u1;
   moved.LonI += 5;
   Beacons().SetLineeSplitLLH(1, moved, BEACON_OPTIC);
   EXPECT_FALSE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));
-  EXPECT_EQ(msg_, "we have  different split n. 1(" + at(u1) + ") in set User and coordinates " + at(moved) + " in set Optic");
+  EXPECT_EQ(msg_, "we have  different split n. 1(" + at(u1) + ") in set User and coordinates " + at(moved) +
+                      " in set Optic");
   moved.LonI = u0.LonI;  // the latitude alone differs
   Beacons().SetLineeSplitLLH(0, moved, BEACON_OPTIC);
   EXPECT_FALSE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));
-  EXPECT_EQ(msg_, "we have  different lap (" + at(u0) + ") in set User and coordinates " + at(moved) + " in set Optic");
+  EXPECT_EQ(msg_, "we have  different lap (" + at(u0) + ") in set User and coordinates " + at(moved) +
+                      " in set Optic");
 }
 
 // Scrutineering lines, and magnetic ones on a kart track, pass without a
 // word; any other type fails either way, with a report of which case it was.
 TEST_F(TrackChecks, BeaconTypeMustSuitTheCircuit) {
   const std::string same = "ERROR beacons are same for track Monza GP ";
-  const struct Case { int type; _eTipoTracciatoTkk circuit; std::string msg, report; } cases[] = {
+  const struct Case {
+    int type;
+    _eTipoTracciatoTkk circuit;
+    std::string msg, report;
+  } cases[] = {
       {BEACON_SCRUTINEERING, TRACCIATO_RACE_TRACK, "untouched", ""},
       {BEACON_MAGNETIC, TRACCIATO_KART_TRACK, "untouched", ""},
-      {BEACON_MAGNETIC, TRACCIATO_RACE_TRACK, "Track Monza GP has beacon type Magnetic and circuit type 1", same},
-      {BEACON_IN_USO, TRACCIATO_KART_TRACK, "Track Monza GP has beacon type Last!!!! and circuit type 2", same},
+      {BEACON_MAGNETIC, TRACCIATO_RACE_TRACK, "Track Monza GP has beacon type Magnetic and circuit type 1",
+       same},
+      {BEACON_IN_USO, TRACCIATO_KART_TRACK, "Track Monza GP has beacon type Last!!!! and circuit type 2",
+       same},
       {BEACON_OPTIC, TRACCIATO_KART_TRACK, "Track Monza GP has beacon type Optic and circuit type 2", same},
-      {BEACON_USER, TRACCIATO_KART_TRACK, "we have 1 beacons in set User and 0 beacons in set Scrutineering", "ERROR beacons are different for track Monza GP "},
+      {BEACON_USER, TRACCIATO_KART_TRACK, "we have 1 beacons in set User and 0 beacons in set Scrutineering",
+       "ERROR beacons are different for track Monza GP "},
   };
   Beacons().SetLineeSplitLLH(0, North(1.0), BEACON_USER);
   for (const Case& c : cases) {

@@ -33,13 +33,15 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnVariant) {
     _STagInfoVarianteTKK_fw fw;
     memset(fw.NationCode, 0, 8);
     memcpy(fw.NationCode, s.nation, 3);
-    fw.TipoTracciato = s.type, fw.TimeZone = s.zone, fw.DeltaMin = s.delta, fw.InfoBeacons.LineeBeacon[3][0].LatI = s.lat;
+    fw.TipoTracciato = s.type, fw.TimeZone = s.zone, fw.DeltaMin = s.delta,
+    fw.InfoBeacons.LineeBeacon[3][0].LatI = s.lat;
     _STagIndexesVarianteTKK idx;
     idx.IdxFondiStradali = t->AddDatiFondoStradale({static_cast<_eTipoRoadSurfaceTkk>(1 << s.zone)});
     ASSERT_TRUE(t->AddTagInfoVariante(s.pista, s.device, fw, idx));
   }
   const std::string name = t->SalvaFileInPath(dir.path(), nullptr);
-  t.reset(static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(dir.path() + name + ".tkk", false, false)));  // named from its path
+  t.reset(static_cast<CFileTkk*>(
+      IFileTkk::CreateMeUponFile(dir.path() + name + ".tkk", false, false)));  // named from its path
   ASSERT_EQ(t->GetVariantiTrack().size(), 3u);
   for (short i = 0; i < 3; ++i) {
     const VariantData& s = kVariants[i];
@@ -48,23 +50,28 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnVariant) {
     const _SDatoCoordinateBeacon* lines = nullptr;
     ASSERT_TRUE(v->GetTrackTimeZone(zone, delta));
     ASSERT_EQ(v->GetLineeSplitLLH(lines, BEACON_IN_USO), 1u);
-    EXPECT_EQ(make_tuple(v->GetTagInfo(), v->GetIdxVariante(), v->GetNomePista(), v->GetNomeXDevice(), v->GetTrackNameCompleto(),
-                         v->GetTrackTypeCircuitKey(), static_cast<int>(v->GetFondoStradaleKey()), zone, delta, lines[0].LatI),
+    EXPECT_EQ(make_tuple(v->GetTagInfo(), v->GetIdxVariante(), v->GetNomePista(), v->GetNomeXDevice(),
+                         v->GetTrackNameCompleto(), v->GetTrackTypeCircuitKey(),
+                         static_cast<int>(v->GetFondoStradaleKey()), zone, delta, lines[0].LatI),
               make_tuple(t->GetTagInfoVariante(i), i, std::string(s.pista), std::string(s.device),
-                         std::string("Autodromo") + (*s.pista ? " " : "") + s.pista, s.type, 1 << s.zone, s.zone, s.delta, s.lat));
+                         std::string("Autodromo") + (*s.pista ? " " : "") + s.pista, s.type, 1 << s.zone,
+                         s.zone, s.delta, s.lat));
     // No additional-text record after a read: no nation code through a view.
-    EXPECT_EQ(make_tuple(v->GetNationCode(), v->GetNamexSito(), v->GetGuidNomeFile(), v->GetNomeFileDaFileSystem(), v->IsGood(),
-                         v->IsUserCreatedNewTrack(), v->IsVekTrack(), v->GetTrackIsReadOnly(), v->IsDevTrack()),
-              make_tuple(std::string(), std::string("Autodromo"), name, name, true, true, false, false, false));
+    EXPECT_EQ(
+        make_tuple(v->GetNationCode(), v->GetNamexSito(), v->GetGuidNomeFile(), v->GetNomeFileDaFileSystem(),
+                   v->IsGood(), v->IsUserCreatedNewTrack(), v->IsVekTrack(), v->GetTrackIsReadOnly(),
+                   v->IsDevTrack()),
+        make_tuple(std::string(), std::string("Autodromo"), name, name, true, true, false, false, false));
   }
   IVarianteTkk* second = t->GetVariantiTrack()[1];
   second->SetNomeXDevice("Changed");
   second->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
   second->SetFondoStradaleKey(FONDO_COMBO);
-  EXPECT_EQ(make_tuple(std::string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice), second->IsTrackChiuso(),
-                       second->OttieniStringaxFondoStradaleKey(), second->OttieniStringaxTrackTypeCircuitKey(),
-                       t->GetTagInfoVariante(1)->FondiStradali->Fondi.size()),
-            make_tuple(std::string("Changed"), false, std::string("Combo"), std::string("Rally"), size_t{1}));
+  EXPECT_EQ(
+      make_tuple(std::string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice), second->IsTrackChiuso(),
+                 second->OttieniStringaxFondoStradaleKey(), second->OttieniStringaxTrackTypeCircuitKey(),
+                 t->GetTagInfoVariante(1)->FondiStradali->Fondi.size()),
+      make_tuple(std::string("Changed"), false, std::string("Combo"), std::string("Rally"), size_t{1}));
   // Dates: a view writes its own record but reads the main variant's.
   tm when = {}, back = {}, main = {};
   when.tm_year = 125, when.tm_mday = 9;
@@ -92,8 +99,11 @@ TEST(CVarianteTkk, MissingRecordsAnswerDefaults) {
   IVarianteTkk *plain = t->GetVariantiTrack()[0], *withPlus = t->GetVariantiTrack()[1];
   withPlus->SetTrackURL("https://example.invalid");
   plain->SetTrackURL("ignored");
-  EXPECT_EQ(plain->GetNationCode() + plain->GetSubNationCode() + plain->GetCitta() + plain->GetTrackURL() + plain->GetTrackComment(), "");
-  EXPECT_EQ(withPlus->GetNationCode() + withPlus->GetSubNationCode() + withPlus->GetCitta() + withPlus->GetTrackURL(),
+  EXPECT_EQ(plain->GetNationCode() + plain->GetSubNationCode() + plain->GetCitta() + plain->GetTrackURL() +
+                plain->GetTrackComment(),
+            "");
+  EXPECT_EQ(withPlus->GetNationCode() + withPlus->GetSubNationCode() + withPlus->GetCitta() +
+                withPlus->GetTrackURL(),
             "ITAMBMonzahttps://example.invalid");
   STagsInfoVariante stray(t.get());
   CVarianteTkk none(nullptr);
@@ -101,29 +111,39 @@ TEST(CVarianteTkk, MissingRecordsAnswerDefaults) {
   const _SDatoCoordinateBeacon* lines = &stray.InfoFw.InfoBeacons.LineeBeacon[0][0];
   EXPECT_FALSE(none.GetTrackTimeZone(zone, delta));
   EXPECT_EQ(none.GetLineeSplitLLH(lines, BEACON_IN_USO), 0u);
-  EXPECT_EQ(make_tuple(CVarianteTkk(&stray).GetIdxVariante(), none.GetIdxVariante(), none.IsTrackChiuso(), zone,
-                       none.GetTrackLenght(), none.GetNomePista() + none.GetTrackNomignolo() + none.GetNamexSito(),
-                       none.IsVekTrack() || none.IsGood() || none.IsDevTrack() || none.IsUserCreatedNewTrack(), lines, none.GetTrackLogo()),
-            make_tuple(short{-1}, short{-1}, true, 7, 0.0f, std::string(), false,
-                       static_cast<const _SDatoCoordinateBeacon*>(nullptr), static_cast<const std::string*>(nullptr)));
+  EXPECT_EQ(
+      make_tuple(CVarianteTkk(&stray).GetIdxVariante(), none.GetIdxVariante(), none.IsTrackChiuso(), zone,
+                 none.GetTrackLenght(), none.GetNomePista() + none.GetTrackNomignolo() + none.GetNamexSito(),
+                 none.IsVekTrack() || none.IsGood() || none.IsDevTrack() || none.IsUserCreatedNewTrack(),
+                 lines, none.GetTrackLogo()),
+      make_tuple(short{-1}, short{-1}, true, 7, 0.0f, std::string(), false,
+                 static_cast<const _SDatoCoordinateBeacon*>(nullptr),
+                 static_cast<const std::string*>(nullptr)));
 }
 
 TEST(Vocabolari, KeysAndTheirTexts) {
   const std::pair<unsigned, const char*> lengths[] = {
-      {804672, "1/20 mi"}, {1609344, "1/10 mi"}, {1788160, "1/9 mi"}, {2011680, "1/8 mi"}, {2299063, "1/7 mi"},
-      {2682240, "1/6 mi"}, {3218689, "1/5 mi"}, {4023361, "1/4 mi"}, {4828033, "3/10 mi"}, {5029201, "5/16 mi"},
-      {5364481, "1/3 mi"}, {6035041, "3/8 mi"}, {6437378, "4/10 mi"}, {8046722, "1/2 mi"}, {9656067, "6/10 mi"},
-      {10058403, "5/8 mi"}, {11040103, "0.686 mi"}, {11265411, "7/10 mi"}, {12070083, "3/4 mi"},
-      {12874756, "8/10 mi"}, {16093445, "1 mi"}, {32186890, "2 mi"}, {0, "custom"}, {1609345, "custom"}, {23, "custom"}};
+      {804672, "1/20 mi"},    {1609344, "1/10 mi"},  {1788160, "1/9 mi"},  {2011680, "1/8 mi"},
+      {2299063, "1/7 mi"},    {2682240, "1/6 mi"},   {3218689, "1/5 mi"},  {4023361, "1/4 mi"},
+      {4828033, "3/10 mi"},   {5029201, "5/16 mi"},  {5364481, "1/3 mi"},  {6035041, "3/8 mi"},
+      {6437378, "4/10 mi"},   {8046722, "1/2 mi"},   {9656067, "6/10 mi"}, {10058403, "5/8 mi"},
+      {11040103, "0.686 mi"}, {11265411, "7/10 mi"}, {12070083, "3/4 mi"}, {12874756, "8/10 mi"},
+      {16093445, "1 mi"},     {32186890, "2 mi"},    {0, "custom"},        {1609345, "custom"},
+      {23, "custom"}};
   for (const auto& c : lengths)
-    EXPECT_EQ(IVarianteTkk::OttieniStringaxLunghezzaKeyy(static_cast<_eTipoLunghezzaPista>(c.first)), c.second);
+    EXPECT_EQ(IVarianteTkk::OttieniStringaxLunghezzaKeyy(static_cast<_eTipoLunghezzaPista>(c.first)),
+              c.second);
   // Non-strict lookups give the first text for an unknown key, strict ones "".
-  const struct { int key; const char *surface, *type; bool knownSurface, knownType; } keys[] = {
-      {0, "Paved", "Race Track", 0, 0}, {1, "Paved", "Race Track", 1, 1}, {2, "Dirt", "Kart Track", 1, 1},
-      {3, "Paved", "Oval", 0, 1}, {4, "Ice", "Race Track", 1, 0}, {5, "Paved", "Drag Strip", 0, 1},
-      {6, "Paved", "Rally", 0, 1}, {7, "Paved", "Hill Climb", 0, 1}, {8, "Water", "Motocross", 1, 1},
-      {9, "Paved", "Open Circuit", 0, 1}, {10, "Paved", "ROval", 0, 1}, {11, "Paved", "Race Track", 0, 0},
-      {16, "Combo", "Race Track", 1, 0}, {-1, "Paved", "Race Track", 0, 0}};
+  const struct {
+    int key;
+    const char *surface, *type;
+    bool knownSurface, knownType;
+  } keys[] = {
+      {0, "Paved", "Race Track", 0, 0},   {1, "Paved", "Race Track", 1, 1}, {2, "Dirt", "Kart Track", 1, 1},
+      {3, "Paved", "Oval", 0, 1},         {4, "Ice", "Race Track", 1, 0},   {5, "Paved", "Drag Strip", 0, 1},
+      {6, "Paved", "Rally", 0, 1},        {7, "Paved", "Hill Climb", 0, 1}, {8, "Water", "Motocross", 1, 1},
+      {9, "Paved", "Open Circuit", 0, 1}, {10, "Paved", "ROval", 0, 1},     {11, "Paved", "Race Track", 0, 0},
+      {16, "Combo", "Race Track", 1, 0},  {-1, "Paved", "Race Track", 0, 0}};
   for (const auto& c : keys) {
     SCOPED_TRACE(c.key);
     const auto surface = static_cast<_eTipoRoadSurfaceTkk>(c.key);
@@ -162,21 +182,35 @@ constexpr int kNone = 50;       // the zone is not determined
 // adds the empty code), the expected hours and minutes, and the text that
 // each report starts with (the code follows) and how many reports there are.
 TEST(TimeZones, EveryNationAndState) {
-  const struct { const char *nations, *states; int hours, minutes; const char* report; int reports; } rows[] = {
+  const struct {
+    const char *nations, *states;
+    int hours, minutes;
+    const char* report;
+    int reports;
+  } rows[] = {
       {"GB,IE,PT", "XX", 0, 0, "", 0},
       {"FR,MC,LU,CH,NL,ES,AT,BE,CZ,DE,IT,HR,NO,PL,SE,HU,SK", "XX", 1, 0, "", 0},
-      {"FI,TR,ZA", "XX", 2, 0, "", 0}, {"AE", "XX", 4, 0, "", 0}, {"TH", "XX", 7, 0, "", 0},
-      {"CN,SG,TW,MY", "XX", 8, 0, "", 0}, {"JP,KR", "XX", 9, 0, "", 0}, {"PR", "XX", -4, 0, "", 0},
+      {"FI,TR,ZA", "XX", 2, 0, "", 0},
+      {"AE", "XX", 4, 0, "", 0},
+      {"TH", "XX", 7, 0, "", 0},
+      {"CN,SG,TW,MY", "XX", 8, 0, "", 0},
+      {"JP,KR", "XX", 9, 0, "", 0},
+      {"PR", "XX", -4, 0, "", 0},
       {"CO", "XX", -5, 0, "", 0},
       // Known to the table and refused all the same, like any unknown code.
       {"RU,DK,BR,MX,NZ,it,USA,", "", kNone, kUntouched, "Timezone not managed for nation ", 1},
       {"US", "AL,CT,DE,FL,GA,ME,MD,MA,NH,NJ,NY,NC,OH,PA,RI,SC,VT,VA,WV", -5, 0, "", 0},
-      {"US", "AR,IL,IA,LA,MN,MS,MO,ND,OK,TX,WI", -6, 0, "", 0}, {"US", "AZ,CO,MT,NM,UT,WY", -7, 0, "", 0},
-      {"US", "CA,OR,WA", -8, 0, "", 0}, {"US", "AK", -9, 0, "", 0}, {"US", "HI", -10, 0, "", 0},
+      {"US", "AR,IL,IA,LA,MN,MS,MO,ND,OK,TX,WI", -6, 0, "", 0},
+      {"US", "AZ,CO,MT,NM,UT,WY", -7, 0, "", 0},
+      {"US", "CA,OR,WA", -8, 0, "", 0},
+      {"US", "AK", -9, 0, "", 0},
+      {"US", "HI", -10, 0, "", 0},
       // Only the minutes are written for these nine: the hours stay undetermined.
       {"US", "ID,IN,KS,KY,MI,NE,NV,SD,TN", kNone, 0, "", 0},
       {"US", "DC,al", kNone, 0, "Timezone not managed in US for subNation ", 1},
-      {"AU", "WA", 8, 0, "", 0}, {"AU", "SA,NT", 9, 30, "", 0}, {"AU", "QLD,NSW,ACT,VIC,TAS", 10, 0, "", 0},
+      {"AU", "WA", 8, 0, "", 0},
+      {"AU", "SA,NT", 9, 30, "", 0},
+      {"AU", "QLD,NSW,ACT,VIC,TAS", 10, 0, "", 0},
       {"AU", "WAU", kNone, kUntouched, "Timezone not managed in Australia for subNation ", 1},
       // Alberta gets its zone and a report; three provinces are reported twice.
       {"CA", "AB", -7, 0, "Timezone not managed in Canada for sub nation ", 1},

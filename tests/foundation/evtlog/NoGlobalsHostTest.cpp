@@ -22,7 +22,8 @@ TEST(NoGlobalsHost, OperationsKeepTheirResults) {
   ASSERT_EQ(name.size(), 8u);
   std::unique_ptr<IFileTkk> readOnly(IFileTkk::CreateMeUponFile(path + name + ".tkk", true, false));
   // Refused, reported nowhere.
-  EXPECT_EQ(std::make_tuple(readOnly->IsGood(), readOnly->AddTagDatiLogo({1, 2, 3}, "a.png"), readOnly->SalvaFileInPath(path, nullptr)),
+  EXPECT_EQ(std::make_tuple(readOnly->IsGood(), readOnly->AddTagDatiLogo({1, 2, 3}, "a.png"),
+                            readOnly->SalvaFileInPath(path, nullptr)),
             std::make_tuple(true, 0xFFFF, std::string()));
   EXPECT_FALSE(IGuidTkk::IsVek(IGuidTkk::GetGuidTkk(false, true)));
   tm t;
