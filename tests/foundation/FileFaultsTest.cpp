@@ -34,8 +34,9 @@ namespace sys = vektkk::sys;
 // With `corte` every write stores 1 to 7 bytes only; with `lucchettoInutile` lock
 // files are opened for their path alone, so that they cannot be locked. A lock
 // file opened over and over is at last refused: a wait that never ends fails.
+// Apart from that, the read numbered `interrottaAlla` is interrupted by a signal.
 struct Guasti {
-  int contate = 0, alla = 0, rinominatiNonScaricati = 0, lucchetti = 0;
+  int contate = 0, alla = 0, rinominatiNonScaricati = 0, lucchetti = 0, letture = 0, interrottaAlla = 0;
   bool corte = false, lucchettoInutile = false;
   std::map<int, std::string> aperti;
   std::set<std::string> nonScaricati;
@@ -50,6 +51,14 @@ void Nomina(const char* from, const char*) { g.rinominatiNonScaricati += g.nonSc
     prima;                                               \
     return Cade() ? -1 : sys::SistemaReale().call(a...); \
   }
+#define LEGGE(call)                                      \
+  [](auto... a) -> ssize_t {                             \
+    if (++g.letture == g.interrottaAlla) {               \
+      errno = EINTR;                                     \
+      return -1;                                         \
+    }                                                    \
+    return Cade() ? -1 : sys::SistemaReale().call(a...); \
+  }
 const sys::Chiamate kGuaste = {
     [](const char* p, int f, mode_t m) {
       const bool lucchetto = strstr(p, ".tmp.lock") != nullptr;
@@ -58,8 +67,8 @@ const sys::Chiamate kGuaste = {
       if (fd >= 0) g.aperti[fd] = p;
       return fd;
     },
-    GUASTA(Read, ),
-    GUASTA(Readv, ),
+    LEGGE(Read),
+    LEGGE(Readv),
     [](int fd, const iovec* v, int n) -> ssize_t {
       std::vector<iovec> parte(v, v + n);
       size_t resto = g.corte ? 1 + g.contate % 7 : SIZE_MAX;
@@ -241,6 +250,14 @@ TEST_F(FileFaults, ReadsFailAsSpecified) {
     if (g.contate < k) break;
   }
   EXPECT_GT(fallite, 1);
+  // A read interrupted by a signal is made again: nothing is lost.
+  for (int k = 1; k == 1 || g.letture >= k; ++k) {
+    g = Guasti(), g.interrottaAlla = k, sys::ImpostaSistema(&kGuaste);
+    std::unique_ptr<IFileTkk> letto(IFileTkk::CreateMeUponFile(track, true, true));
+    std::unique_ptr<IFileRiassuntivo> riassunto(IFileRiassuntivo::CreateMeUponFile(dir_.path() + "s.bin"));
+    sys::ImpostaSistema(nullptr);
+    EXPECT_TRUE(letto->IsGood() && riassunto->GetNumRiassuntivi() == 2) << "read " << k << " interrupted";
+  }
 }
 
 // A save first removes what saves killed in other processes left beside it:
