@@ -190,9 +190,11 @@ TEST(SummaryEdit, GuidAndVariantFinders) {
 // A record at the query point is 0 m away: a maxDist of 0 leaves it out.
 // Results are appended to what the vector holds.
 TEST(SummaryNearest, StrictThresholdAppendedResultsAndPlanarRule) {
-  const _SDatoRiassuntivo at = Rec("", "", 456200000, 92800000);
-  std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &at});
-  const std::pair<int, std::vector<int>> cases[] = {{1, {7, 1}}, {0, {7}}, {-5, {7}}, {20000000, {7, 1}}};
+  // `far` lies on the same parallel, 78 km east: only the distance tells.
+  const _SDatoRiassuntivo at = Rec("", "", 456200000, 92800000), far = Rec("", "", 456200000, 102800000);
+  std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &at, &far});
+  const std::pair<int, std::vector<int>> cases[] = {
+      {1, {7, 1}}, {0, {7}}, {-5, {7}}, {77000, {7, 1}}, {79000, {7, 1, 2}}, {20000000, {7, 1, 2}}};
   for (const auto& c : cases) {
     std::vector<int> out{7};
     EXPECT_EQ(s->getNearestTracksByHeaversine(45.62, 9.28, c.first, out), static_cast<int>(c.second.size()));
