@@ -14,29 +14,35 @@ enum class Regola { Usa, Australia, Canada, Ore, Rifiutata };
 struct Nazione {
   const char* codice;
   Regola regola;
-  int ore;
+  int ore = 0;  // read for Regola::Ore only
 };
 
 // In the order they are tested. The last five are known and refused all the
 // same, as an unknown code is.
 const Nazione kNazioni[] = {
-    {"US", Regola::Usa, 0},        {"FR", Regola::Ore, 1},  {"MC", Regola::Ore, 1},
-    {"LU", Regola::Ore, 1},        {"CH", Regola::Ore, 1},  {"GB", Regola::Ore, 0},
-    {"NL", Regola::Ore, 1},        {"ES", Regola::Ore, 1},  {"AT", Regola::Ore, 1},
-    {"BE", Regola::Ore, 1},        {"CN", Regola::Ore, 8},  {"CO", Regola::Ore, -5},
-    {"CZ", Regola::Ore, 1},        {"FI", Regola::Ore, 2},  {"DE", Regola::Ore, 1},
-    {"IT", Regola::Ore, 1},        {"HR", Regola::Ore, 1},  {"NO", Regola::Ore, 1},
-    {"PL", Regola::Ore, 1},        {"SE", Regola::Ore, 1},  {"JP", Regola::Ore, 9},
-    {"SG", Regola::Ore, 8},        {"PR", Regola::Ore, -4}, {"AU", Regola::Australia, 0},
-    {"RU", Regola::Rifiutata, 0},  {"DK", Regola::Rifiutata, 0}, {"BR", Regola::Rifiutata, 0},
-    {"MX", Regola::Rifiutata, 0},  {"IE", Regola::Ore, 0},  {"PT", Regola::Ore, 0},
-    {"TH", Regola::Ore, 7},        {"AE", Regola::Ore, 4},  {"HU", Regola::Ore, 1},
-    {"SK", Regola::Ore, 1},        {"TR", Regola::Ore, 2},  {"KR", Regola::Ore, 9},
-    {"TW", Regola::Ore, 8},        {"MY", Regola::Ore, 8},  {"NZ", Regola::Rifiutata, 0},
-    {"ZA", Regola::Ore, 2},        {"CA", Regola::Canada, 0},
+    {"US", Regola::Usa},        {"FR", Regola::Ore, 1},     {"MC", Regola::Ore, 1},
+    {"LU", Regola::Ore, 1},     {"CH", Regola::Ore, 1},     {"GB", Regola::Ore, 0},
+    {"NL", Regola::Ore, 1},     {"ES", Regola::Ore, 1},     {"AT", Regola::Ore, 1},
+    {"BE", Regola::Ore, 1},     {"CN", Regola::Ore, 8},     {"CO", Regola::Ore, -5},
+    {"CZ", Regola::Ore, 1},     {"FI", Regola::Ore, 2},     {"DE", Regola::Ore, 1},
+    {"IT", Regola::Ore, 1},     {"HR", Regola::Ore, 1},     {"NO", Regola::Ore, 1},
+    {"PL", Regola::Ore, 1},     {"SE", Regola::Ore, 1},     {"JP", Regola::Ore, 9},
+    {"SG", Regola::Ore, 8},     {"PR", Regola::Ore, -4},    {"AU", Regola::Australia},
+    {"RU", Regola::Rifiutata},  {"DK", Regola::Rifiutata},  {"BR", Regola::Rifiutata},
+    {"MX", Regola::Rifiutata},  {"IE", Regola::Ore, 0},     {"PT", Regola::Ore, 0},
+    {"TH", Regola::Ore, 7},     {"AE", Regola::Ore, 4},     {"HU", Regola::Ore, 1},
+    {"SK", Regola::Ore, 1},     {"TR", Regola::Ore, 2},     {"KR", Regola::Ore, 9},
+    {"TW", Regola::Ore, 8},     {"MY", Regola::Ore, 8},     {"NZ", Regola::Rifiutata},
+    {"ZA", Regola::Ore, 2},     {"CA", Regola::Canada},
 };
 
 constexpr int kOreNonScritte = 100;  // a state whose hours are left as they are
+
+// US states have whole hours; Australian states may add minutes.
+struct StatoUsa {
+  const char* codice;
+  int ore;
+};
 
 struct Stato {
   const char* codice;
@@ -45,18 +51,18 @@ struct Stato {
 };
 
 // In the order they are tested.
-const Stato kStatiUsa[] = {
-    {"AL", -5, 0},  {"AK", -9, 0},  {"AZ", -7, 0},  {"AR", -6, 0},  {"CA", -8, 0},
-    {"CO", -7, 0},  {"CT", -5, 0},  {"DE", -5, 0},  {"FL", -5, 0},  {"GA", -5, 0},
-    {"HI", -10, 0}, {"ID", kOreNonScritte, 0}, {"IL", -6, 0}, {"IN", kOreNonScritte, 0},
-    {"IA", -6, 0},  {"KS", kOreNonScritte, 0}, {"KY", kOreNonScritte, 0}, {"LA", -6, 0},
-    {"ME", -5, 0},  {"MD", -5, 0},  {"MA", -5, 0},  {"MI", kOreNonScritte, 0}, {"MN", -6, 0},
-    {"MS", -6, 0},  {"MO", -6, 0},  {"MT", -7, 0},  {"NE", kOreNonScritte, 0},
-    {"NV", kOreNonScritte, 0}, {"NH", -5, 0}, {"NJ", -5, 0}, {"NM", -7, 0}, {"NY", -5, 0},
-    {"NC", -5, 0},  {"ND", -6, 0},  {"OH", -5, 0},  {"OK", -6, 0},  {"OR", -8, 0},
-    {"PA", -5, 0},  {"RI", -5, 0},  {"SC", -5, 0},  {"SD", kOreNonScritte, 0},
-    {"TN", kOreNonScritte, 0}, {"TX", -6, 0}, {"UT", -7, 0}, {"VT", -5, 0}, {"VA", -5, 0},
-    {"WA", -8, 0},  {"WV", -5, 0},  {"WI", -6, 0},  {"WY", -7, 0},
+const StatoUsa kStatiUsa[] = {
+    {"AL", -5},  {"AK", -9},  {"AZ", -7},  {"AR", -6},  {"CA", -8},
+    {"CO", -7},  {"CT", -5},  {"DE", -5},  {"FL", -5},  {"GA", -5},
+    {"HI", -10}, {"ID", kOreNonScritte}, {"IL", -6}, {"IN", kOreNonScritte},
+    {"IA", -6},  {"KS", kOreNonScritte}, {"KY", kOreNonScritte}, {"LA", -6},
+    {"ME", -5},  {"MD", -5},  {"MA", -5},  {"MI", kOreNonScritte}, {"MN", -6},
+    {"MS", -6},  {"MO", -6},  {"MT", -7},  {"NE", kOreNonScritte},
+    {"NV", kOreNonScritte}, {"NH", -5}, {"NJ", -5}, {"NM", -7}, {"NY", -5},
+    {"NC", -5},  {"ND", -6},  {"OH", -5},  {"OK", -6},  {"OR", -8},
+    {"PA", -5},  {"RI", -5},  {"SC", -5},  {"SD", kOreNonScritte},
+    {"TN", kOreNonScritte}, {"TX", -6}, {"UT", -7}, {"VT", -5}, {"VA", -5},
+    {"WA", -8},  {"WV", -5},  {"WI", -6},  {"WY", -7},
 };
 
 const Stato kStatiAustralia[] = {
@@ -104,7 +110,7 @@ void IVarianteTkk::GetTimeZoneFromNation(const std::string& nation, const std::s
 
 void IVarianteTkk::GetUSTimeZoneFromState(const std::string& state, int& hours, int& minutes) {
   minutes = 0;
-  const Stato* s = Trova(kStatiUsa, state);
+  const StatoUsa* s = Trova(kStatiUsa, state);
   if (s == nullptr) {
     LogEvento(kError.Priorita, kError.Parola, "Timezone not managed in US for subNation %s",
               state.c_str());
