@@ -53,12 +53,14 @@ bool ScriviTutto(int fd, const iovec* pezzi, size_t n) {
   return true;
 }
 
-bool SincronizzaCartella(const std::string& dir) {
+// Makes a new name in `dir` durable. Best effort: the file's own data was
+// synced before its name appeared, and a directory that cannot be synced
+// (some file systems refuse) leaves nothing for the caller to undo.
+void SincronizzaCartella(const std::string& dir) {
   const int fd = sys::Open(dir.empty() ? "." : dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (fd < 0) return false;
-  const bool ok = sys::Fsync(fd) == 0;
+  if (fd < 0) return;
+  sys::Fsync(fd);
   sys::Close(fd);
-  return ok;
 }
 
 // The file that opening `path` for writing would reach: symbolic links are
