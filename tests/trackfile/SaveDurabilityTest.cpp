@@ -161,6 +161,15 @@ TEST_P(DurableSave, ReplacingKeepsModeOwnerAndLinks) {
               kept)
         << entry;
   }
+  // One link more than the kernel follows, or a loop of links, is refused and nothing changes.
+  const std::string track = dir_.path() + kTrack, c0 = dir_.path() + "c0", loop = dir_.path() + "loop";
+  ASSERT_EQ(0, rename(track.c_str(), c0.c_str()) + symlink("c0", track.c_str()));
+  const Snapshot before = Take(dir_);
+  EXPECT_FALSE(Save(*next, dir_));
+  ASSERT_EQ(0,
+            unlink(track.c_str()) + symlink("loop", track.c_str()) + symlink(kTrack.c_str(), loop.c_str()));
+  EXPECT_FALSE(Save(*next, dir_));
+  EXPECT_EQ(before, (unlink(loop.c_str()), unlink(track.c_str()), symlink("c0", track.c_str()), Take(dir_)));
 }
 
 // A read-only track in a directory anyone may write was replaced by a
