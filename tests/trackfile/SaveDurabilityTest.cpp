@@ -71,10 +71,10 @@ int Wait(pid_t pid) {
 
 // A child saves with `save` over and over until it is killed at a random
 // moment; `check` then looks at what the kill left.
-void KillSavesAtRandom(int kills, int minUs, int maxUs, const std::function<bool(int)>& save,
+void KillSavesAtRandom(int kills, long minUs, long maxUs, const std::function<bool(int)>& save,
                        const std::function<void(int)>& check) {
   std::mt19937 rng(20261122);
-  std::uniform_int_distribution<int> delayUs(minUs, maxUs);
+  std::uniform_int_distribution<long> delayUs(minUs, maxUs);
   for (int kill = 0; kill < kills; ++kill) {
     const pid_t pid = Fork([&] {
       for (int i = 0;; ++i)
@@ -117,24 +117,16 @@ TEST_P(DurableSave, KilledSavesLeaveOneCompleteVersion) {
         for (const auto& entry : now)
           ASSERT_TRUE(clean[0].count(entry.first) || IsTemporary(entry.first)) << entry.first;
         const int holds = now.at(kTrack) == clean[0].at(kTrack) ? 0 : 1;
-        changes += holds != current, current = holds;
+        changes += holds != current;
+        current = holds;
       });
   EXPECT_GT(changes, 0) << "no kill came after a complete save";
   // A temporary file of a live process stays.
   const std::string live = "." + kTrack + ".tmp." + std::to_string(getpid()) + ".1.1";
-  fixtures::WriteAll(dir_.path() + live, {1}), clean[0][live] = Bytes{1};
+  fixtures::WriteAll(dir_.path() + live, {1});
+  clean[0][live] = Bytes{1};
   ASSERT_EQ(0, Wait(Fork([&] { return Save(*tracks[0], dir_); })));
   EXPECT_EQ(clean[0], Take(dir_));
-}
-
-// Makes the track's name the first of `links` symbolic links leading, one
-// to the next ("c1", "c2"...), to the file "real", which the track becomes.
-void LinkChain(const TempDir& dir, int links) {
-  ASSERT_EQ(0, rename((dir.path() + kTrack).c_str(), (dir.path() + "real").c_str()));
-  for (int i = links - 1; i >= 0; --i) {
-    const std::string to = i == links - 1 ? "real" : "c" + std::to_string(i + 1);
-    ASSERT_EQ(0, symlink(to.c_str(), (dir.path() + (i == 0 ? kTrack : "c" + std::to_string(i))).c_str()));
-  }
 }
 
 // A save used to rename a new file over the old one whatever the old one
@@ -148,7 +140,11 @@ TEST_P(DurableSave, ReplacingKeepsModeOwnerAndLinks) {
   for (const std::string& entry : dir_.Entries())
     ASSERT_TRUE(chmod((dir_.path() + entry).c_str(), 0640) == 0 &&
                 (!root || chown((dir_.path() + entry).c_str(), 4321, 4322) == 0));
-  LinkChain(dir_, 40);
+  // The track's name becomes the first of 40 links, c1 to c39 next, to the file "real".
+  ASSERT_EQ(0, rename((dir_.path() + kTrack).c_str(), (dir_.path() + "real").c_str()));
+  for (int i = 0; i < 40; ++i)
+    ASSERT_EQ(0, symlink(i == 39 ? "real" : ("c" + std::to_string(i + 1)).c_str(),
+                         (dir_.path() + (i == 0 ? kTrack : "c" + std::to_string(i))).c_str()));
   const std::unique_ptr<CFileTkk> next = MakeTrack(10);
   TempDir fresh;
   ASSERT_TRUE(Save(*next, dir_) && Save(*next, fresh));
@@ -161,6 +157,15 @@ TEST_P(DurableSave, ReplacingKeepsModeOwnerAndLinks) {
               kept)
         << entry;
   }
+  // One link more than the kernel follows, or a loop of links, is refused and nothing changes.
+  const std::string track = dir_.path() + kTrack, c0 = dir_.path() + "c0", loop = dir_.path() + "loop";
+  ASSERT_EQ(0, rename(track.c_str(), c0.c_str()) + symlink("c0", track.c_str()));
+  const Snapshot before = Take(dir_);
+  EXPECT_FALSE(Save(*next, dir_));
+  ASSERT_EQ(0,
+            unlink(track.c_str()) + symlink("loop", track.c_str()) + symlink(kTrack.c_str(), loop.c_str()));
+  EXPECT_FALSE(Save(*next, dir_));
+  EXPECT_EQ(before, (unlink(loop.c_str()), unlink(track.c_str()), symlink("c0", track.c_str()), Take(dir_)));
 }
 
 // A read-only track in a directory anyone may write was replaced by a
@@ -189,24 +194,27 @@ TEST(GeneratedNames, KilledSavesWithoutHardLinksNeverLeaveAnIncompleteTrack) {
   const std::unique_ptr<CFileTkk> track = MakeTrack(8, 8000);
   faults::NoHardLinks(true, true);
   faults::SlowRename(2000);
-  const auto start = std::chrono::steady_clock::now();
   const auto save = [&](const TempDir& where) {
     return !track->SalvaFileInPath(where.path(), nullptr).empty();
   };
+  const auto start = std::chrono::steady_clock::now();
   ASSERT_EQ(0, Wait(Fork([&] { return save(probe); })));
-  const int saveUs = static_cast<int>(
-      std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start)
-          .count());
+  const auto saveUs =
+      std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
   KillSavesAtRandom(
-      60, saveUs / 4, saveUs * 3, [&](int) { return save(dir); }, [](int) {});
-  ASSERT_EQ(0, (faults::SlowRename(0), Wait(Fork([&] { return save(dir); }))));  // at normal speed
-  const std::vector<std::string> entries = (faults::NoHardLinks(false), dir.Entries());
-  EXPECT_GT(entries.size(), 1u);
-  for (const std::string& entry : entries)
-    EXPECT_TRUE(
-        !IsTemporary(entry) &&
-        std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(dir.path() + entry, true, true))->IsGood())
-        << entry;
+      60, saveUs.count() / 4, saveUs.count() * 3, [&](int) { return save(dir); }, [](int) {});
+  faults::SlowRename(0);
+  ASSERT_EQ(0, Wait(Fork([&] { return save(dir); })));  // at normal speed
+  faults::NoHardLinks(false);
+  // Saves not killed succeed: the probe's track is there, complete, beside those of the kills.
+  EXPECT_EQ(probe.Entries().size(), 1u);
+  EXPECT_GT(dir.Entries().size(), 1u);
+  for (const TempDir* where : {&probe, &dir})
+    for (const std::string& entry : where->Entries())
+      EXPECT_TRUE(
+          !IsTemporary(entry) &&
+          std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(where->path() + entry, true, true))->IsGood())
+          << entry;
 }
 
 // Three processes save 100 tracks each into one directory at once. The name

@@ -1,11 +1,9 @@
 // Track files: reading (failures and their reports, malformed files, logos
 // beside the track, names and offsets), saving (round trips, generated
 // names), a golden file composed byte by byte from docs/track-file-format.md
-// without the library's records or encoder, and building and editing a track
-// in memory (the Add operations, attributes of the main variant, beacon
-// sets, lengths, checks and the conversion to a maker's track).
+// without the library's records or encoder, and building, checking and
+// converting a track in memory.
 #include <gtest/gtest.h>
-#include <locale.h>
 #include <math.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -25,11 +23,11 @@
 #include "GuidTkk.h"
 #include "TrackMemoryRecords.h"
 #include "platform/IAtomTagEncoderBin.h"
-#include "tkkFlat.h"
 #include "support/EvtLogRecorder.h"
 #include "support/FakeClock.h"
 #include "support/PlatformFaults.h"
 #include "support/TrackFixtures.h"
+#include "tkkFlat.h"
 
 namespace {
 
@@ -45,19 +43,13 @@ template <typename T>
 Bytes BytesOf(const T& record) {
   return Raw(&record, sizeof record);
 }
-
 std::unique_ptr<CFileTkk> Empty(bool readOnly = false, bool dev = false) {
   return std::unique_ptr<CFileTkk>(static_cast<CFileTkk*>(IFileTkk::CreateMe(readOnly, dev)));
 }
-// Indexes naming nothing but `field`.
-Idx With(uint16_t Idx::*field, uint16_t value) {
-  Idx idx;
-  idx.*field = value;
-  return idx;
-}
 _SDatoCoordinateBeacon Line(int32_t lat, int32_t lon, uint32_t width = 0, int32_t alt = 0) {
   _SDatoCoordinateBeacon l;
-  return l.LatI = lat, l.LonI = lon, l.AltI = alt, l.LarghezzaPista = width, l;
+  l.LatI = lat, l.LonI = lon, l.AltI = alt, l.LarghezzaPista = width;
+  return l;
 }
 // The events recorded since the last reset, one "SEVERITY message" each.
 Texts Reports() {
@@ -74,17 +66,12 @@ struct FileBuilder {
     EXPECT_TRUE(enc->append(bytes, tag, payload, static_cast<uint32_t>(size), 0));
     return *this;
   }
-  template <typename T>
-  FileBuilder& Record(const std::string& tag, const T& record) {
-    return Atom(tag, &record, sizeof record);
-  }
-  FileBuilder& Info() { return Record("Ptkk", _STagInfoFileTKK()); }
+  FileBuilder& Info() { return Atom("Ptkk", Bytes(268).data(), 268); }
   // A variant's fixed part named `device`, nation codes filled.
   FileBuilder& Fw(const char* device = "") {
     _STagInfoVarianteTKK_fw fw;
     memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
-    strcpy(fw.NomeXDevice, device);
-    return Record("Vnfo", fw);
+    return Atom("Vnfo", (strcpy(fw.NomeXDevice, device), &fw), sizeof fw);
   }
   FileBuilder& Sw(const char* name) {
     _STagInfoVarianteTKK_sw sw;
@@ -118,7 +105,6 @@ class TrackFile : public ::testing::Test {
     return std::unique_ptr<CFileTkk>(
         static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(path, false, senzaLogo)));
   }
-  bool Exists(const std::string& name) const { return access((dir_.path() + name).c_str(), F_OK) == 0; }
   Bytes SaveIn(CFileTkk& track, const std::string& dir) {
     EXPECT_EQ(track.SalvaFileInPath(dir, &name_), name_);
     return fixtures::ReadAll(dir + name_ + ".tkk");
@@ -127,28 +113,6 @@ class TrackFile : public ::testing::Test {
   fixtures::TempDir dir_;
   const std::string name_ = "0k3f9zq1";
 };
-
-// What a read gives back of a track: the records byte for byte, and each
-// variant's shape, road surfaces, logo (its bare file name) and texts.
-Bytes Contents(CFileTkk& t) {
-  Bytes out = BytesOf(t.GetTagInfoFile());
-  const auto add = [&out](char part, const void* p, size_t n) {
-    const Bytes raw = Raw(p, n);
-    out.push_back(static_cast<unsigned char>(part));
-    out.insert(out.end(), raw.begin(), raw.end());
-  };
-  for (const STagsInfoVariante* v : t.GetTagsInfoVarianti()) {
-    add('v', &v->InfoFw, sizeof v->InfoFw);
-    add('s', &v->InfoSw, sizeof v->InfoSw);
-    add('i', &v->Indici, sizeof v->Indici);
-    if (v->Punti) add('p', v->Punti->Punti.data(), v->Punti->Punti.size() * sizeof(_t_s_lla_i));
-    if (v->FondiStradali) add('f', v->FondiStradali->Fondi.data(), v->FondiStradali->Fondi.size() * 4);
-    const std::string name = v->Logo ? v->Logo->NomeFile.substr(v->Logo->NomeFile.rfind('/') + 1) : "";
-    if (v->Logo) add('l', v->Logo->Dati.data(), v->Logo->Dati.size()), add('n', name.data(), name.size());
-    if (v->DatiPlus) add('t', "", 0);
-  }
-  return out;
-}
 
 // Each failure gives one report and leaves no variant, also in an object
 // that held a good track before; the file's size is kept all the same.
@@ -162,11 +126,8 @@ TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
     return b;
   };
   const std::string interpret = "Can't interpret file ";
-  struct Case {
-    const char* what;
-    Bytes bytes;
-    std::string message; /* the path follows */
-  } const cases[] = {
+  const std::tuple<const char*, Bytes, std::string> cases[] = {
+      // the path follows a message ending in ' '
       {"missing file", {}, "Can't open file "},
       {"empty file", {}, "Zero length file "},
       {"no decoder", good, "Can't alloc mem"},
@@ -180,28 +141,29 @@ TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
       {"size field beyond the file", hugeSize, interpret},
       {"last byte missing", Bytes(good.begin(), good.end() - 1), interpret},
       {"bytes after the last atom", trailing, interpret},
-      {"Ptkk of 267 bytes", FileBuilder().Atom("Ptkk", good.data(), 267).bytes, interpret},
-      {"no Ptkk", FileBuilder().Fw().Idx().bytes, interpret},
+      {"Ptkk of 267 bytes, so none", FileBuilder().Atom("Ptkk", good.data(), 267).bytes, interpret},
       {"Vnfo without Vidx", FileBuilder().Info().Fw().Fw().Idx().bytes, interpret},
       {"Vidx before Vnfo", FileBuilder().Info().Idx().Fw().bytes, "Can't find STagInfoVarianteTKK_fw"},
   };
   std::unique_ptr<CFileTkk> again = Open(Write(good, "good.tkk"));
   for (bool plain : {false, true})
-    for (const Case& c : cases) {
-      SCOPED_TRACE(std::string(c.what) + (plain ? ", container without pieces" : ""));
+    for (const auto& [what, bytes, message] : cases) {
+      SCOPED_TRACE(std::string(what) + (plain ? ", container without pieces" : ""));
       faults::PlainContainer(plain);
-      const std::string path = dir_.path() + std::to_string(&c - cases) + (plain ? "p" : "") + ".tkk";
-      if (&c != cases) fixtures::WriteAll(path, c.bytes);
+      const bool first = &bytes == &std::get<1>(cases[0]), noDecoder = &bytes == &std::get<1>(cases[2]);
+      const std::string path = dir_.path() + what + (plain ? "p" : "") + ".tkk";
+      if (!first) fixtures::WriteAll(path, bytes);
       ASSERT_TRUE(again->LeggiFile(dir_.path() + "good.tkk", false));
       evtrec::Reset(true);
-      faults::FailDecoderCreation(&c == cases + 2);
+      faults::FailDecoderCreation(noDecoder);
       std::unique_ptr<CFileTkk> track = Open(path);
       EXPECT_FALSE(again->LeggiFile(path, false));
       faults::FailDecoderCreation(false);
-      EXPECT_TRUE(!track->IsGood() && again->GetTagsInfoVarianti().empty() &&
-                  again->GetVariantiTrack().empty());
-      EXPECT_EQ(again->GetDimTkk(), c.bytes.size());
-      const std::string report = "ERROR " + c.message + (c.message.back() == ' ' ? path : "");
+      // A name that is no file name leaves the flags of a new object: neither a maker's nor development.
+      EXPECT_TRUE(!track->IsGood() && !track->IsVekTrack() && !track->IsDevTrack() &&
+                  again->GetTagsInfoVarianti().empty() && again->GetVariantiTrack().empty());
+      EXPECT_EQ(again->GetDimTkk(), bytes.size());
+      const std::string report = "ERROR " + message + (message.back() == ' ' ? path : "");
       EXPECT_EQ(Reports(), (Texts{report, report}));
     }
 }
@@ -224,68 +186,63 @@ TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
 }
 
 // Atoms of other tags or sizes are ignored: only a 256-byte "V_sw" names
-// the track. Variants whose indexes name nothing are skipped.
+// the track. Variants whose indexes name nothing are skipped. The current
+// "Vnfo" and "V_sw" carry over to the next "Vidx".
 TEST_F(TrackFile, MalformedButReadableFiles) {
-  struct Case {
-    const char* what;
-    Bytes bytes;
-    size_t variants;
-    Bytes image = {}; /* of the main variant's logo */
-  } const cases[] = {
-      {"unknown tag", FileBuilder().Info().Atom("zzz", Bytes(256, 'q').data(), 256).Fw().Idx().bytes, 1},
-      {"V_sw of wrong size", FileBuilder().Info().Fw().Atom("V_sw", "x", 1).Idx().bytes, 1},
-      {"64 road surfaces", FileBuilder().Info().Fw().Atom("srfs", Bytes(256, 1).data(), 256).Idx().bytes, 1},
-      {"index out of range", FileBuilder().Info().Points(2).Points(3).Fw().Idx(3).Fw().Idx(1).bytes, 1},
-      {"surface index out of range", FileBuilder().Info().Fw().Idx(0xFFFF, 0xFFFF, 9).bytes, 0},
-      {"empty pts", FileBuilder().Info().Atom("pts", nullptr, 0).Points(1).Fw().Idx(1).bytes, 0},
-      {"pts of odd size", FileBuilder().Info().Atom("pts", Bytes(4, 7).data(), 4).Fw().Idx(0).bytes, 0},
-      {"empty logo still counts", FileBuilder().Info().Atom("lgo", nullptr, 0).Fw().Idx(0xFFFF, 0).bytes, 1},
-      {"only the file info", FileBuilder().Info().bytes, 0},
-      {"large unknown atom", FileBuilder().Info().Atom("zzz", Bytes(40000, 1).data(), 40000).Fw().Idx().bytes,
-       1},
+  const Bytes big(40000, 1);
+  const std::tuple<const char*, Bytes, Texts> cases[] = {
+      // device/track name of each variant
+      {"unknown tag", FileBuilder().Info().Atom("zzz", big.data(), 256).Fw().Idx().bytes, {"/"}},
+      {"large unknown atom", FileBuilder().Info().Atom("zzz", big.data(), 40000).Fw().Idx().bytes, {"/"}},
+      {"V_sw of wrong size", FileBuilder().Info().Fw().Atom("V_sw", "x", 1).Idx().bytes, {"/"}},
+      {"64 road surfaces", FileBuilder().Info().Fw().Atom("srfs", big.data(), 256).Idx().bytes, {"/"}},
+      {"index out of range",
+       FileBuilder().Info().Points(2).Points(3).Fw().Idx(3).Fw("B").Idx(1).bytes,
+       {"B/"}},
+      {"surface index out of range", FileBuilder().Info().Fw().Idx(0xFFFF, 0xFFFF, 9).bytes, {}},
+      {"empty pts", FileBuilder().Info().Atom("pts", nullptr, 0).Points(1).Fw().Idx(1).bytes, {}},
+      {"pts of odd size", FileBuilder().Info().Atom("pts", big.data(), 4).Fw().Idx(0).bytes, {}},
+      {"empty logo still counts",
+       FileBuilder().Info().Atom("lgo", nullptr, 0).Fw().Idx(0xFFFF, 0).bytes,
+       {"/"}},
+      {"only the file info", FileBuilder().Info().bytes, {}},
       {"logo name longer than the read buffer",
-       FileBuilder().Info().Logo(std::string(20000, 'n'), Bytes(20, 1)).Fw().Idx(0xFFFF, 0).bytes, 1,
-       Bytes(20, 1)},
+       FileBuilder().Info().Logo(std::string(20000, 'n'), Bytes(20, 1)).Fw().Idx(0xFFFF, 0).bytes,
+       {"/", "20"}},
+      {"one V_sw for two variants",
+       FileBuilder().Info().Fw("A").Sw("Ring").Idx().Fw("B").Idx().bytes,
+       {"A/Ring", "B/Ring"}},
+      {"two Vidx after one Vnfo", FileBuilder().Info().Fw("A").Fw("B").Idx().Idx().bytes, {"B/", "B/"}},
   };
   for (bool plain : {false, true})
-    for (const Case& c : cases) {
-      SCOPED_TRACE(c.what);
+    for (const auto& [what, bytes, variants] : cases) {
       faults::PlainContainer(plain);
-      std::unique_ptr<CFileTkk> track = Open(Write(c.bytes));
-      ASSERT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == c.variants);
+      std::unique_ptr<CFileTkk> track = Open(Write(bytes));
+      Texts names;  // and the size of a logo image read whole
+      for (const STagsInfoVariante* v : track->GetTagsInfoVarianti())
+        names.push_back(std::string(v->InfoFw.NomeXDevice) + "/" + v->InfoSw.NomePista);
       const SLogo* logo = track->GetTrackLogoBuffer();
-      EXPECT_EQ(std::make_pair(track->GetNomePista(), logo ? logo->Dati : Bytes{}),
-                std::make_pair(std::string(), c.image));
+      if (logo && !logo->Dati.empty()) names.push_back(std::to_string(logo->Dati.size()));
+      EXPECT_TRUE(track->IsGood()) << what;
+      EXPECT_EQ(names, variants) << what;
     }
 }
 
-TEST_F(TrackFile, CurrentRecordsCarryOverBetweenVariants) {
-  // One V_sw before the first Vidx and none before the second: both
-  // variants carry its name.
-  std::unique_ptr<CFileTkk> track =
-      Open(Write(FileBuilder().Info().Fw("A").Sw("Ring").Idx().Fw("B").Idx().bytes));
-  ASSERT_EQ(track->GetTagsInfoVarianti().size(), 2u);
-  for (const STagsInfoVariante* v : track->GetTagsInfoVarianti())
-    EXPECT_EQ(v->Owner == track.get() ? v->InfoSw.NomePista : "", std::string("Ring"));
-  EXPECT_STREQ(track->GetTagInfoVariante(1)->InfoFw.NomeXDevice, "B");
-  // Two Vidx after the same current Vnfo share its fixed part.
-  track = Open(Write(FileBuilder().Info().Fw("A").Fw("B").Idx().Idx().bytes));
-  ASSERT_EQ(track->GetTagsInfoVarianti().size(), 2u);
-  EXPECT_EQ(std::string(track->GetTagInfoVariante(0)->InfoFw.NomeXDevice) +
-                track->GetTagInfoVariante(1)->InfoFw.NomeXDevice,
-            "BB");
-}
-
+// The file-system name is kept when it has eight characters; the flags of a
+// valid name tell a maker's track from a development one, and a name that is
+// none leaves both unset.
 TEST_F(TrackFile, NameOnDiskAndFlagsFromTheName) {
   const Bytes bytes = FileBuilder().Info().Fw().Idx().bytes;
   const std::pair<const char*, const char*> cases[] = {
       {"ABCDEFGH.tkk", "ABCDEFGH"}, {"ABC.tkk", ""}, {"ABCDEFGHI.tkk", ""}, {"0k3f9zq1.tkk", "0k3f9zq1"}};
   for (const auto& c : cases) {
     char name[8];  // no terminator when full
-    Open(Write(bytes, c.first))->GetNomeFile(name);
-    EXPECT_EQ(std::string(name, strnlen(name, 8)), c.second) << c.first;
+    std::unique_ptr<CFileTkk> track = Open(Write(bytes, c.first));
+    track->GetNomeFile(name);
+    EXPECT_EQ(std::make_tuple(std::string(name, strnlen(name, 8)), track->IsVekTrack(), track->IsDevTrack()),
+              std::make_tuple(std::string(c.second), c.second[0] == '0', false))
+        << c.first;
   }
-  // The flags of a valid name tell a maker's track from a development one.
   const tm when = {};
   for (int flags = 0; flags < 4; ++flags) {
     unsigned char value[8];
@@ -293,60 +250,58 @@ TEST_F(TrackFile, NameOnDiskAndFlagsFromTheName) {
     tkkGenerateGuidNomeFile(value, flags & 1, flags >> 1, &when, 0);
     tkkGetNomeFileFromGuid(name, value);
     std::unique_ptr<CFileTkk> track = Open(Write(bytes, std::string(name) + ".tkk"));
-    EXPECT_EQ(track->IsVekTrack(), (flags & 1) == 1) << name;
-    EXPECT_EQ(track->IsDevTrack(), flags >> 1 == 1) << name;
-    EXPECT_EQ(track->IsGood(), flags != 3) << name;
+    EXPECT_EQ(std::make_tuple(track->IsVekTrack(), track->IsDevTrack(), track->IsGood()),
+              std::make_tuple((flags & 1) == 1, flags >> 1 == 1, flags != 3))
+        << name;
   }
 }
 
-TEST_F(TrackFile, LogosAreLoadedAndWrittenBesideTheTrack) {
+// Images are written beside the track, unless too short (five bytes) or
+// named outside its directory; a read without logos reads none and does not
+// check the logo index. An existing image stays; with nuovoNomeLogo a
+// numbered copy is made, also when a dangling link holds the name.
+TEST_F(TrackFile, LogosAreWrittenBesideTheTrackOrKeptInMemory) {
+  const std::pair<std::string, Bytes> memoryOnly[] = {{"tiny.png", {1, 2, 3, 4, 5}},
+                                                      {"../escaped.png", Bytes(20, 7)}};
+  for (const auto& c : memoryOnly) {
+    std::unique_ptr<CFileTkk> track =
+        Open(Write(FileBuilder().Info().Logo(c.first, c.second).Fw().Idx(0xFFFF, 0).bytes));
+    EXPECT_EQ(std::make_pair(track->GetTrackLogoBuffer()->Dati, dir_.Entries()),
+              std::make_pair(c.second, Texts{"0k3f9zq1.tkk"}))
+        << c.first;
+  }
+  std::unique_ptr<CFileTkk> track =
+      Open(Write(FileBuilder().Info().Logo("badge.png", Bytes(20, 9)).Fw().Idx(0xFFFF, 7).bytes), true);
+  EXPECT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == 1 &&
+              track->GetTrackLogoBuffer() == nullptr && dir_.Entries().size() == 1);
+
   const Bytes image = {1, 2, 3, 4, 5, 6, 7};
   const std::string path = Write(FileBuilder().Info().Logo("badge.png", image).Fw().Idx(0xFFFF, 0).bytes),
                     badge = dir_.path() + "badge.png";
-  std::unique_ptr<CFileTkk> track = Open(path);  // the image in memory: the round trip shows it
+  track = Open(path);
+  EXPECT_TRUE(track->LeggiFile(path, false) && *track->GetTrackLogo() == badge);
   EXPECT_EQ(fixtures::ReadAll(badge), image);
-  // Read again: the existing image stays, or with nuovoNomeLogo a numbered
-  // copy is made; a dangling link in the image's place is kept.
-  EXPECT_TRUE(track->LeggiFile(path, false) && track->LeggiFile(path, true) && track->LeggiFile(path, true));
-  EXPECT_EQ(*track->GetTrackLogo(), badge);
   ASSERT_EQ(0, unlink(badge.c_str()) + symlink("nowhere", badge.c_str()));
   EXPECT_TRUE(track->LeggiFile(path, true));
-  EXPECT_EQ(dir_.Entries(), (Texts{"0k3f9zq1.tkk", "badge.png", "badge1.png", "badge2.png", "badge3.png"}));
-  for (const char* n : {"badge1.png", "badge2.png", "badge3.png"})
-    EXPECT_EQ(fixtures::ReadAll(dir_.path() + n), image) << n;
+  EXPECT_EQ(dir_.Entries(), (Texts{"0k3f9zq1.tkk", "badge.png", "badge1.png"}));
+  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge1.png"), image);
 }
 
 // Each image of a name looks for its number from where the previous one
 // stopped: a file with many logos of one name used to probe 1, 2, ... again
-// for every logo, quadratic in their number.
+// for every logo, quadratic in their number. One probe per logo.
 TEST_F(TrackFile, NumberedLogoNamesAreProbedOnce) {
   constexpr unsigned kLogos = 200;
   FileBuilder file = FileBuilder().Info();
   for (unsigned i = 0; i < kLogos; ++i) file.Logo("badge.png", Bytes(8, static_cast<unsigned char>(i)));
   const std::string path = Write(file.Fw().Idx(0xFFFF, 0).bytes);
   std::unique_ptr<CFileTkk> track = Open(path);
-  ASSERT_TRUE((faults::ResetAccessCount(), track->LeggiFile(path, true)));
-  EXPECT_LT(faults::AccessCount(), 3u * kLogos);
-  // The same names as probing from 1: badge.png held logo 0 from the first
-  // read, this read numbered all 200 from badge1.png on.
+  faults::ResetAccessCount();
+  ASSERT_TRUE(track->LeggiFile(path, true));
+  EXPECT_EQ(faults::AccessCount(), kLogos);
+  // badge.png held logo 0 from the first read, this read numbered all 200 from badge1.png on.
   EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge200.png"), Bytes(8, kLogos - 1));
-  EXPECT_FALSE(Exists("badge201.png"));
-}
-
-TEST_F(TrackFile, SomeImagesStayInMemoryOnly) {
-  const std::pair<std::string, Bytes> cases[] = {{"tiny.png", {1, 2, 3, 4, 5}},
-                                                 {"../escaped.png", Bytes(20, 7)}};  // too short; outside
-
-  for (const auto& c : cases) {
-    std::unique_ptr<CFileTkk> track =
-        Open(Write(FileBuilder().Info().Logo(c.first, c.second).Fw().Idx(0xFFFF, 0).bytes));
-    EXPECT_TRUE(track->GetTrackLogoBuffer()->Dati == c.second && !Exists(c.first)) << c.first;
-  }
-  // Without logos none is read and the logo index is not checked.
-  std::unique_ptr<CFileTkk> track =
-      Open(Write(FileBuilder().Info().Logo("badge.png", Bytes(20, 9)).Fw().Idx(0xFFFF, 7).bytes), true);
-  EXPECT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == 1 &&
-              track->GetTrackLogoBuffer() == nullptr && !Exists("badge.png"));
+  EXPECT_EQ(dir_.Entries().size(), kLogos + 2);
 }
 
 TEST_F(TrackFile, FileOffsetsKeptAsSummariesRecordThem) {
@@ -372,42 +327,36 @@ long ResidentKb() {
   std::ifstream("/proc/self/statm") >> pages >> resident;
   return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
-long OpenFiles() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
-                       std::filesystem::directory_iterator());
-}
 
 // With the host's allocator as it comes, a process that reads and saves a
-// 1 MB track over and over keeps the same resident memory, and no file open.
+// 1 MB track over and over keeps the same resident memory.
 TEST_F(TrackFile, ReadingAndSavingInALoopKeepsResidentMemoryFlat) {
 #if defined(__SANITIZE_ADDRESS__)
   GTEST_SKIP() << "AddressSanitizer keeps freed memory in quarantine";
 #endif
-  std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
+  std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack(), same = fixtures::MakeSmallTrack();
   track->AddTagDatiPuntiTracciato(std::vector<_t_s_lla_i>(7999, _t_s_lla_i{1, 2, 3}));
   track->AddTagDatiLogo(Bytes(900 * 1024, 9), "logo.png");
   const std::string path = dir_.path() + name_ + ".tkk";
-  std::unique_ptr<CFileTkk> same = fixtures::MakeSmallTrack();
   const auto round = [&] {
     ASSERT_TRUE(track->SalvaFileInPath(dir_.path(), &name_) == name_ && Open(path)->IsGood() &&
                 same->LeggiFile(path, false));
   };
   for (int i = 0; i < 20; ++i) round();
-  const long before = ResidentKb(), files = OpenFiles();
+  const long before = ResidentKb();
   for (int i = 0; i < 100; ++i) round();
   EXPECT_LT(ResidentKb() - before, 1024) << "KB more resident after 100 rounds";
-  EXPECT_EQ(OpenFiles(), files);
 }
 
 // Saved through either container, read back through either, or by an object
 // that read other files before (larger ones, a failed one): the same records
-// and the same bytes.
+// and the same bytes. Additional texts are never written: a read drops them.
 TEST_F(TrackFile, RandomTracksComeBackByteForByte) {
   fixtures::TempDir other;
   const std::string path = dir_.path() + name_ + ".tkk", bad = dir_.path() + "bad.tkk";
   fixtures::WriteAll(bad, Bytes(100, 0x55));
   std::unique_ptr<CFileTkk> again = fixtures::MakeSmallTrack();
-  STagDatiPlus plus;  // additional texts are never written: a read drops them
+  STagDatiPlus plus;
   again->AddTagDatiPlus((plus.Comment = "built", plus));
   for (uint32_t seed = 1; seed <= 12; ++seed) {
     SCOPED_TRACE(seed);
@@ -422,7 +371,6 @@ TEST_F(TrackFile, RandomTracksComeBackByteForByte) {
       faults::PlainContainer(way == 1);
       std::unique_ptr<CFileTkk> fresh = way < 2 ? Open(path) : nullptr;
       ASSERT_TRUE(fresh ? fresh->IsGood() : again->LeggiFile(path, false));
-      EXPECT_EQ(Contents(fresh ? *fresh : *again), Contents(*built));
       EXPECT_EQ(SaveIn(fresh ? *fresh : *again, other.path()), saved);
     }
     EXPECT_FALSE(again->GetTrackComment() != "" || again->LeggiFile(bad, false));
@@ -430,82 +378,59 @@ TEST_F(TrackFile, RandomTracksComeBackByteForByte) {
 }
 
 // The name generator repeats a name when the clock and rand() repeat: the
-// second save must find the name taken and wait for a free one, on file
-// systems with hard links and on memory cards without them. The name tells
-// a maker's track from a user's.
+// second save must find the name taken and wait for a free one, with hard
+// links, without them, and without exclusive renames either; a dangling
+// link under the name counts as taken. The name tells a maker's track.
 TEST_F(TrackFile, GeneratedNamesNeverReplaceATrack) {
-  const bool cases[][3] = {{false, false, false},
-                           {true, false, true},
-                           {true, true, false}};  // no links, no exclusive rename, maker's
+  // No hard links, no exclusive rename, a maker's track, a dangling link in place of the first.
+  const bool cases[][4] = {{0, 0, 0, 0}, {1, 0, 1, 0}, {1, 1, 0, 0}, {0, 0, 0, 1}};
   for (const auto& c : cases) {
     fixtures::TempDir dir;
     faults::NoHardLinks(c[0], c[1]);
     fakeclock::Freeze(fakeclock::Utc(2026, 11, 22, 10, 0, 0));
     for (int i = 0; i < 60; ++i) fakeclock::QueueRand({0x105});
-    auto first = fixtures::MakeRandomTrack(1, c[2]);
-    const std::string a = first->SalvaFileInPath(dir.path(), nullptr);
-    const std::string b = fixtures::MakeRandomTrack(2, c[2])->SalvaFileInPath(dir.path(), nullptr);
+    auto first = fixtures::MakeRandomTrack(1, c[2]), second = fixtures::MakeRandomTrack(2, c[2]);
+    const std::string a = first->SalvaFileInPath(dir.path(), nullptr), taken = dir.path() + a + ".tkk";
+    ASSERT_EQ(0, c[3] ? unlink(taken.c_str()) + symlink("nowhere", taken.c_str()) : 0);
+    CFileTkk& again = c[3] ? *first : *second;
+    const std::string b = again.SalvaFileInPath(dir.path(), nullptr);
     const long long waits = fakeclock::UsleepCalls(), waited = fakeclock::UsleepMicros();
     fakeclock::Reset();
     faults::NoHardLinks(false);
     ASSERT_EQ(a.size() + b.size(), 16u);
-    EXPECT_EQ(std::make_pair(waits > 0, waited),
-              std::make_pair(true, 25000 * waits));  // the second save waited as the generator does
+    EXPECT_EQ(std::make_pair(waits > 0, waited), std::make_pair(true, 25000 * waits));
     EXPECT_EQ(dir.Entries(), (Texts{std::min(a, b) + ".tkk", std::max(a, b) + ".tkk"}));
-    EXPECT_EQ(std::string(first->GetTagInfoFile().GuidNomeFile, 8), a);
-    tm when;
-    bool isVek = !c[2], isDev = true;
-    ASSERT_TRUE(IGuidNomeFile::GetDaNomeFile(a, when, isVek, isDev));
-    std::unique_ptr<CFileTkk> read = Open(dir.path() + a + ".tkk");
-    EXPECT_EQ(std::make_tuple(isVek, isDev, read->IsVekTrack(), Contents(*read)),
-              std::make_tuple(c[2], false, c[2], Contents(*first)));
+    EXPECT_EQ(std::string(first->GetTagInfoFile().GuidNomeFile, 8), c[3] ? b : a);
+    std::unique_ptr<CFileTkk> read = Open(dir.path() + b + ".tkk");
+    EXPECT_EQ(std::make_tuple(read->IsVekTrack(), read->IsDevTrack(), SaveIn(*read, dir_.path())),
+              std::make_tuple(c[2], false, SaveIn(again, dir_.path())));
   }
-  // A dangling link under a free-looking name is left alone: the track is
-  // composed afresh for the next name.
-  fixtures::TempDir dir;
-  std::unique_ptr<CFileTkk> track = fixtures::MakeRandomTrack(3);
-  track->AddTagDatiLogo(Bytes(20, 1), "a.png");
-  std::string names[2];
-  for (int i = 0; i < 2; ++i) {
-    fakeclock::Freeze(fakeclock::Utc(2026, 11, 22, 10, 0, 0));
-    fakeclock::QueueRand({0x105});
-    names[i] = track->SalvaFileInPath(dir.path(), nullptr);
-    fakeclock::Reset();
-    const std::string first = dir.path() + names[0] + ".tkk";
-    ASSERT_EQ(0, i > 0 ? 0 : unlink(first.c_str()) + symlink("nowhere", first.c_str()));
-  }
-  ASSERT_NE(names[0], names[1]);
-  EXPECT_TRUE(std::filesystem::is_symlink(dir.path() + names[0] + ".tkk"));
-  EXPECT_EQ(Contents(*Open(dir.path() + names[1] + ".tkk")), Contents(*track));
 }
 
+// Logos of nine bytes or less, or without a name, are not saved; the writer
+// does not renumber, so the variant whose IdxLogo was 0 names the next one.
+// Logos apart go beside the track under its name, the extension kept.
 TEST_F(TrackFile, LogosOfNineBytesOrLessAreNotSaved) {
   auto track = fixtures::MakeSmallTrack();
-  const Idx idx = With(&Idx::IdxLogo, track->AddTagDatiLogo(Bytes(9, 1), "/x/small.png"));
-  track->AddTagDatiLogo(Bytes(10, 2), "/x/big.png"),
-      track->AddTagDatiLogo(Bytes(50, 3), "");  // no name: not saved either
+  Idx idx;
+  idx.IdxLogo = track->AddTagDatiLogo(Bytes(9, 1), "/x/small.png");
+  track->AddTagDatiLogo(Bytes(10, 2), "/x/big.png");
+  track->AddTagDatiLogo(Bytes(50, 3), "");
   ASSERT_TRUE(track->AddTagInfoVariante("", "", Fw(), idx));
-  ASSERT_EQ(track->SalvaFileInPath(dir_.path(), &name_), name_);
-  // Only "big.png" became an atom: the variant whose IdxLogo is 0 now
-  // points at it, since the writer does not renumber.
-  std::unique_ptr<CFileTkk> read = Open(dir_.path() + name_ + ".tkk");
-  ASSERT_EQ(read->GetTagsInfoVarianti().size(), 2u);
-  EXPECT_EQ(read->GetTagInfoVariante(1)->Logo->NomeFile, dir_.path() + "big.png");
-  // Logos apart: each beside the track under its name, the extension kept;
-  // with no "lgo" atom the variant that names logo 0 is skipped on reading.
+  SaveIn(*track, dir_.path());
+  EXPECT_EQ(Open(dir_.path() + name_ + ".tkk")->GetTagInfoVariante(1)->Logo->NomeFile,
+            dir_.path() + "big.png");
+  // With no "lgo" atom the variant that names logo 0 is skipped on reading.
   ASSERT_EQ(track->SalvaFileInPathLogoEsterno(dir_.path(), "logo0002"), "logo0002");
   EXPECT_EQ(dir_.Entries(), (Texts{"0k3f9zq1.tkk", "big.png", "logo0002.png", "logo0002.tkk"}));
   EXPECT_TRUE(fixtures::ReadAll(dir_.path() + "logo0002.png") == Bytes(10, 2) &&
               Open(dir_.path() + "logo0002.tkk")->GetTagsInfoVarianti().size() == 1);
-}
-
-TEST_F(TrackFile, NoEncoderNoFile) {
-  auto track = fixtures::MakeSmallTrack();
+  // Without an encoder no file is written, and nothing is reported.
   faults::FailEncoderCreation(true);
   EXPECT_EQ(track->SalvaFileInPath(dir_.path(), &name_) + track->SalvaFileInPath(dir_.path(), nullptr) +
-                track->SalvaFileInPathLogoEsterno(dir_.path(), name_),
+                track->SalvaFileInPathLogoEsterno(dir_.path(), "other"),
             "");
-  EXPECT_TRUE(dir_.Entries().empty() && evtrec::Events().empty());
+  EXPECT_TRUE(dir_.Entries().size() == 4 && evtrec::Events().empty());
 }
 
 // --- The golden file --------------------------------------------------------
@@ -554,7 +479,7 @@ TEST_F(TrackFile, SmallTrackFileComposedFromTheDocument) {
                             162500,    456220000, 92790000, 163000};
   Rec pts{Bytes(36)};
   for (size_t k = 0; k < 9; ++k) pts.Put(4 * k, shape[k]);
-  const Bytes ptkk = Rec{Bytes(268)}.Put(0, 0).Text(4, "Monza").Text(260, name_).b,
+  const Bytes ptkk = Rec{Bytes(268)}.Text(4, "Monza").Text(260, name_).b,
               vsw = Rec{Bytes(256)}.Text(0, "GP").b;
   const Bytes vnfo = Rec{Bytes(476)}
                          .Text(0, "Monza GP")
@@ -565,9 +490,7 @@ TEST_F(TrackFile, SmallTrackFileComposedFromTheDocument) {
                          .Put(78, 4, 1)
                          .Put(468, 0x0000123456780001ull, 8)
                          .b;
-  const Bytes vidx =
-      Rec{Bytes(8)}.Put(0, 0, 2).Put(2, 0, 2).Put(4, 0xFFFF, 2).Put(6, 0xFFFF, 2).b;  // surfaces, shape,
-                                                                                      // logo, texts
+  const Bytes vidx = Rec{Bytes(8)}.Put(4, 0xFFFF, 2).Put(6, 0xFFFF, 2).b;  // surfaces 0, shape 0, logo, texts
   Bytes file;
   for (const auto& [tag, payload] : std::vector<std::pair<std::string, Bytes>>{
            {"Ptkk", ptkk}, {"Vnfo", vnfo}, {"V_sw", vsw}, {"Vidx", vidx}, {"pts", pts.b}})
@@ -578,287 +501,35 @@ TEST_F(TrackFile, SmallTrackFileComposedFromTheDocument) {
   // Saving the small track writes exactly these bytes...
   std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
   EXPECT_EQ(SaveIn(*track, dir_.path()), file);
-  EXPECT_EQ(track->GetOffsetDatiFw(0), 8 + 268 + 4u);
-  EXPECT_EQ(track->GetOffsetPti(0), 1120 - 8 - 36 - 4 - 16u);
   // ...and reading them gives every record back as laid out above.
   track = Open(Write(file));
   ASSERT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == 1);
   const STagsInfoVariante& v = *track->GetTagInfo();
-  EXPECT_EQ(BytesOf(track->GetTagInfoFile()), ptkk);
-  EXPECT_EQ(BytesOf(v.InfoFw), vnfo);
-  EXPECT_EQ(BytesOf(v.InfoSw), vsw);
-  EXPECT_EQ(BytesOf(v.Indici), vidx);
-  EXPECT_EQ(Raw(v.Punti->Punti.data(), v.Punti->Punti.size() * sizeof(_t_s_lla_i)), pts.b);
-  EXPECT_EQ(v.FondiStradali->Fondi, std::vector<_eTipoRoadSurfaceTkk>{FONDO_PAVED});
-  // The fields named by the document hold its values.
-  EXPECT_EQ(track->GetNamexSito() + "/" + track->GetNomeXDevice() + "/" + track->GetNationCode() + "/" +
-                track->GetSubNationCode() + "/" + track->GetNomePista(),
-            "Monza/Monza GP/ITA/MB/GP");
-  EXPECT_EQ(std::make_tuple(v.InfoFw.TimeZone, v.InfoFw.TipoTracciato,
-                            v.InfoFw.InfoBeacons.TipoBeaconInUso + 0, uint64_t{v.InfoFw.Guid.Valore}),
-            std::make_tuple(50, 1, 4, 0x0000123456780001ull));
+  EXPECT_EQ(std::make_tuple(BytesOf(track->GetTagInfoFile()), BytesOf(v.InfoFw), BytesOf(v.InfoSw),
+                            BytesOf(v.Indici), Raw(v.Punti->Punti.data(), 36)),
+            std::make_tuple(ptkk, vnfo, vsw, vidx, pts.b));
+  EXPECT_EQ(v.Punti->Punti.size() * 100 + v.FondiStradali->Fondi.size() * 10 + v.FondiStradali->Fondi[0],
+            311u);
 }
 
 // --- Building and editing in memory -----------------------------------------
 
 using TrackEdit = TrackFile;
 
-// Shapes are kept below 8000 points: from 8000 on every second point is
-// kept, from 16000 every third, and so on.
-TEST_F(TrackEdit, ShapesAreThinnedBelow8000Points) {
-  const size_t cases[][3] = {{1, 1, 1},        {7999, 7999, 1},  {8000, 4000, 2},
-                             {15999, 8000, 2}, {16000, 5334, 3}, {24000, 6000, 4}};  // in, kept, stride
-  for (const auto& c : cases) {
-    std::vector<_t_s_lla_i> points(c[0]);
-    auto t = Empty();
-    for (size_t i = 0; i < c[0]; ++i) points[i].LatI = static_cast<int32_t>(i);
-    ASSERT_TRUE(
-        t->AddTagInfoVariante("", "", Fw(), With(&Idx::IdxPunti, t->AddTagDatiPuntiTracciato(points))));
-    const auto& kept = t->GetTagInfo()->Punti->Punti;
-    ASSERT_EQ(kept.size(), c[1]) << c[0];
-    for (size_t k = 0; k < kept.size(); ++k) ASSERT_EQ(kept[k].LatI, static_cast<int32_t>(k * c[2]));
-  }
-}
-
-TEST_F(TrackEdit, AddOperationsReturnIndexesThatVariantsMustUse) {
-  auto t = Empty();  // empty lists are refused; the braces call in order
-  EXPECT_EQ((std::vector<unsigned>{
-                t->AddDatiFondoStradale({}), t->AddTagDatiPuntiTracciato({}), t->AddTagDatiLogo({}, "a"),
-                t->AddDatiFondoStradale({FONDO_ICE}), t->AddTagDatiPuntiTracciato({{1, 2, 3}}),
-                t->AddDatiFondoStradale({FONDO_DIRT, FONDO_WATER}), t->AddTagDatiLogo({1, 2}, "a.png"),
-                t->AddTagDatiPlus(STagDatiPlus()), t->AddTagDatiPlus(STagDatiPlus())}),
-            (std::vector<unsigned>{0xFFFF, 0xFFFF, 0xFFFF, 0, 0, 1, 0, 0, 1}));
-  for (auto field :
-       {&Idx::IdxFondiStradali, &Idx::IdxPunti, &Idx::IdxLogo, &Idx::IdxDatiPlus})  // one past the last entry
-    EXPECT_FALSE(t->AddTagInfoVariante(
-        "", "", Fw(), With(field, field == &Idx::IdxPunti || field == &Idx::IdxLogo ? 1 : 2)));
-  EXPECT_TRUE(t->GetTagsInfoVarianti().empty() && evtrec::Events().empty());
-  // A user's track always uses the user's beacons; a missing GUID is made
-  // with the track's flags, a given one is kept.
-  const bool cases[][3] = {
-      {false, false, true}, {true, false, false}, {false, true, true}};  // read only, dev, user's beacons
-  for (const auto& c : cases) {
-    auto u = Empty(c[0], c[1]);
-    Fw fw;
-    fw.InfoBeacons.TipoBeaconInUso = BEACON_OPTIC;
-    ASSERT_TRUE(u->AddTagInfoVariante("GP", "Monza", fw, Idx()));
-    tm when;
-    bool isVek = !c[0], isDev = !c[1];
-    IGuidTkk::GetDaGuidTkk(u->GetGuidVariante(0), when, isVek, isDev);
-    fw.Guid.Valore = 0x1234;
-    ASSERT_TRUE(u->AddTagInfoVariante("", "", fw, Idx()));
-    EXPECT_EQ(std::make_tuple(u->GetTagInfo()->InfoFw.InfoBeacons.TipoBeaconInUso + 0, isVek, isDev,
-                              uint64_t{u->GetGuidVariante(1).Valore}),
-              std::make_tuple(c[2] ? BEACON_USER : BEACON_OPTIC, c[0], c[1], uint64_t{0x1234}));
-  }
-  // The main variant linked to the first shape drops its other indexes; the
-  // links stay as they were. With nothing to link there is no effect.
-  auto s = fixtures::MakeSmallTrack();
-  s->AddTagDatiPuntiTracciato({{7, 7, 7}});
-  STagsInfoVariante* main = s->GetTagInfo();
-  main->Indici.IdxPunti = 1, main->Punti = nullptr;
-  s->AssegnaPtrPunti();
-  EXPECT_EQ(main->Indici.IdxPunti + main->Indici.IdxFondiStradali, 0xFFFF);
-  EXPECT_TRUE(main->Punti->Punti.size() == 3u && main->FondiStradali != nullptr);
-  Empty()->AssegnaPtrPunti();
-}
-
-// Names are UTF-8 in the records and in the local character set at the
-// interface, cut to their fields; nation codes are bytes, copied as they
-// come. A full field has no terminator: reading it runs on into the next.
-TEST_F(TrackEdit, NamesAreConvertedAndCutToTheirFields) {
-  const std::string saved = setlocale(LC_CTYPE, nullptr);
-  ASSERT_NE(setlocale(LC_CTYPE, "en_US.ISO-8859-1"), nullptr) << "test locale missing";
-  auto t = Empty();
-  _STagInfoFileTKK info;  // a new object's file name is whatever memory held: make it empty
-  memset(info.GuidNomeFile, 0, 8);
-  t->SetTagInfoFile("", info);
-  Fw fw;
-  EXPECT_EQ(std::string(fw.NomeXDevice, 28), std::string(28, '\0'));  // a new record's name is empty
-  memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
-  ASSERT_TRUE(t->AddTagInfoVariante(std::string(300, 'p'), std::string(40, 'd'), fw, Idx()));
-  ASSERT_TRUE(t->AddTagInfoVariante("\xE8", "", fw, Idx()));
-  EXPECT_EQ(std::make_pair(std::string(t->GetTagInfo()->InfoSw.NomePista, 256), t->GetNomeXDevice()),
-            std::make_pair(std::string(256, 'p'), std::string(28, 'd') + "ITA"));
-  EXPECT_EQ(std::string(t->GetTagInfoVariante(1)->InfoSw.NomePista, 4) +
-                std::string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice, 28),
-            std::string("\xC3\xA8\0\0", 4) + std::string(28, '\0'));
-  t->SetNamexSito(std::string(300, 's'));
-  EXPECT_EQ(t->GetTrackNameCompleto(), std::string(256, 's') + " " + std::string(28, 'd') + "ITA");
-  t->SetNationCode("ITALY");
-  EXPECT_EQ(t->GetNationCode(), "ITALMB");
-  t->SetNationCode("\xC4");
-  t->SetSubNationCode("MI");
-  EXPECT_EQ(std::string(t->GetTagInfo()->InfoFw.NationCode, 8), std::string("\xC4\0\0\0MI\0\0", 8));
-  t->SetNomeXDevice("N\xFCrburg");
-  t->SetNamexSito("Gro\xDF");
-  EXPECT_EQ(std::make_pair(std::string(t->GetTagInfo()->InfoFw.NomeXDevice), t->GetTrackNameCompleto()),
-            std::make_pair(std::string("N\xC3\xBCrburg"), std::string("Gro\xDF N\xFCrburg")));
-  memcpy(info.NamexSito, "Gro\xC3\x9F", 5);
-  t->SetTagInfoFile("", info);  // the record's name, unless one is given
-  const std::string recorded = t->GetNamexSito();
-  t->SetTagInfoFile("Imola", info);
-  EXPECT_EQ(recorded + "/" + t->GetTagInfoFile().NamexSito, "Gro\xDF/Imola");
-  setlocale(LC_CTYPE, saved.c_str());
-}
-
-TEST_F(TrackEdit, AttributesOfTheMainVariant) {
-  auto e = Empty();  // without a variant: defaults, and setters change nothing
-  int zone = 7, delta = 8;
-  tm when = {}, back = {};
-  e->SetTimezone(3);
-  e->SetCitta("Imola");
-  e->GetDateTimeTMModifica(when);
-  EXPECT_FALSE(e->GetTrackTimeZone(zone, delta) || e->HasShape() || e->IsTrashed() || e->IsTrackObsoleta());
-  EXPECT_EQ(zone + e->GetTimeZone() + e->GetDeltaMin() + when.tm_mday, 7);
-  EXPECT_EQ(e->GetNationCode() + e->GetSubNationCode() + e->GetTrackComment() + e->GetStringaVarianti(), "");
-  EXPECT_TRUE(e->GetAuto() && e->GetKart() && e->GetMoto() && e->GetTagsInfoVarianti().empty());
-
-  auto t = fixtures::MakeSmallTrack();
-  when.tm_year = 124, when.tm_mday = 5;
-  t->AggiornaDataModifica(when);
-  t->GetDateTimeTMModifica(back);
-  ASSERT_TRUE(t->GetTrackTimeZone(zone, delta));
-  EXPECT_EQ(back.tm_year * 100 + back.tm_mday + zone * 1000000,
-            50012405);  // a new variant's zone is not determined
-  t->SetTimezone(-5), t->SetDeltaMin(30), t->SetTrackAnglePlot(12.5f),
-      t->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
-  EXPECT_EQ(std::make_pair(t->GetTimeZone() * 100 + t->GetDeltaMin(), t->GetTrackAnglePlot()),
-            std::make_pair(-470, 12.5f));
-  EXPECT_EQ(t->OttieniStringaxTrackTypeCircuitKey() + (t->IsTrackChiuso() ? " closed" : "") +
-                (t->HasShape() ? " shape" : ""),
-            "Rally shape");
-  t->RemoveShape();  // the points go, the list stays
-  EXPECT_FALSE(t->HasShape() || t->GetTagInfo()->Punti == nullptr);
-  // The road-surface key replaces the first entry of the main list; without
-  // a variant one is made with a list of just the key.
-  t->SetFondoStradaleKey(FONDO_ICE);
-  EXPECT_EQ(
-      t->OttieniStringaxFondoStradaleKey() + std::to_string(t->GetTagInfo()->FondiStradali->Fondi.size()),
-      "Ice1");
-  e->SetFondoStradaleKey(FONDO_DIRT);
-  ASSERT_EQ(e->GetTagsInfoVarianti().size(), 1u);
-  EXPECT_EQ(std::make_pair(e->GetTagInfo()->FondiStradali->Fondi, e->GetNomeXDevice() + e->GetNomePista()),
-            std::make_pair(std::vector<_eTipoRoadSurfaceTkk>{FONDO_DIRT}, std::string()));
-  // The city is the main variant's record's, the comment the first record's.
-  STagDatiPlus first, own;
-  first.Comment = "first", own.Nomignolo = "Ring";
-  e = Empty(), e->AddTagDatiPlus(first);
-  ASSERT_TRUE(e->AddTagInfoVariante("", "", Fw(), With(&Idx::IdxDatiPlus, e->AddTagDatiPlus(own))));
-  e->SetCitta("Nürburg");
-  EXPECT_EQ(e->GetCitta() + e->GetTrackNomignolo() + e->GetTrackComment(), "NürburgRingfirst");
-  EXPECT_EQ((e->SetTrackComment("changed"), e->GetTrackComment()), "changed");
-}
-
-TEST_F(TrackEdit, GoodTracksUseLineTypes1To4AndAreNotBothMakersAndDevelopment) {
-  const int cases[][4] = {
-      {0, 0, 1, 1}, {1, 0, 4, 1}, {1, 1, 1, 0}, {1, 0, 0, 0}, {1, 0, 5, 0}};  // vek, dev, type, good
-  for (const auto& c : cases) {
-    auto t = Empty(c[0], c[1]);
-    ASSERT_TRUE(t->AddTagInfoVariante("", "", Fw(), Idx()));
-    t->GetTagInfo()->InfoFw.InfoBeacons.TipoBeaconInUso = static_cast<uint8_t>(c[2]);
-    EXPECT_EQ(t->IsGood(), c[3] == 1) << c[2];
-  }
-}
-
-// Objects opened read only or without logos change nothing and say so;
-// without logos no image is loaded either.
-TEST_F(TrackEdit, ObjectsOpenedReadOnlyOrWithoutLogosRefuseChanges) {
-  const std::string name = "0k3f9zq1", badge = dir_.path() + "badge.png";
-  fixtures::MakeSmallTrack()->SalvaFileInPath(dir_.path(), &name);
-  fixtures::WriteAll(badge, {1, 2, 3});
-  for (const bool senzaLogo : {false, true}) {
-    std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(
-        IFileTkk::CreateMeUponFile(dir_.path() + name + ".tkk", !senzaLogo, senzaLogo)));
-    ASSERT_TRUE(t->IsGood());
-    evtrec::Reset(true);
-    // A refused Add answers the index of the last entry (the read lists
-    // hold one each), except logos and variants.
-    EXPECT_EQ(t->AddDatiFondoStradale({FONDO_ICE}) + t->AddTagDatiPuntiTracciato({{1, 1, 1}}), 0);
-    EXPECT_EQ(t->AddTagDatiPlus(STagDatiPlus()) & t->AddTagDatiLogo({1, 2, 3}, "a.png"), 0xFFFF);
-    EXPECT_FALSE(t->AddTagInfoVariante("", "", Fw(), Idx()));
-    EXPECT_EQ(t->SalvaFileInPath(dir_.path(), &name) + t->SalvaFileInPath(dir_.path(), nullptr) +
-                  t->SalvaFileInPathLogoEsterno(dir_.path(), name),
-              "");
-    Bytes buffer = {42};
-    EXPECT_EQ(t->SaveTrackFileLogoBuffer(buffer, badge), senzaLogo ? 0u : 3u);
-    EXPECT_EQ(buffer, (senzaLogo ? Bytes{42} : Bytes{1, 2, 3}));
-    t->SetTrackLogo(badge);  // a read-only object still takes a logo in memory
-    EXPECT_EQ(t->GetTrackLogoBuffer() == nullptr, senzaLogo);
-    Texts reports(8, "ALERT Excluded, hence skipping!");
-    if (senzaLogo) reports.push_back("NOTICE Forced no logo hence read only");
-    EXPECT_EQ(Reports(), reports);
-    EXPECT_EQ(evtrec::Events().front().priority + evtrec::Events().back().priority, senzaLogo ? 6 : 2);
-    EXPECT_EQ(t->GetTagsInfoVarianti().size(), 1u);
-    EXPECT_EQ(dir_.Entries(), (Texts{name + ".tkk", "badge.png"}));
-  }
-}
-
-TEST_F(TrackEdit, SettingALogoLoadsTheImage) {
-  const Bytes image = {9, 8, 7, 6, 5, 4, 3, 2, 1, 0, 1};
-  const std::string badge = dir_.path() + "badge.png";
-  fixtures::WriteAll(badge, image);
-  auto t = fixtures::MakeSmallTrack();
-  t->AddTagDatiLogo({1}, "other.png");  // the new logo will be the second
-  t->SetTrackLogo(badge);
-  const STagsInfoVariante* main = t->GetTagInfo();
-  ASSERT_NE(main->Logo, nullptr);
-  // The indexes become one 32-bit zero, whatever the position: a missing
-  // image empties the logo and unsets them.
-  EXPECT_EQ(std::make_tuple(main->Logo->Dati, main->Logo->NomeFile,
-                            main->Indici.IdxLogo + main->Indici.IdxDatiPlus),
-            std::make_tuple(image, "badge.png", 0));
-  t->SetTrackLogo(dir_.path() + "missing.png");
-  EXPECT_EQ(std::make_tuple(main->Logo, main->Logo->Dati, main->Logo->NomeFile,
-                            main->Indici.IdxLogo & main->Indici.IdxDatiPlus),
-            std::make_tuple(t->GetTrackLogoBuffer(), Bytes{}, "", 0xFFFF));
-  auto none = Empty();
-  none->SetTrackLogo(badge);
-  EXPECT_EQ(none->GetTrackLogoBuffer(), nullptr);
-}
-
-TEST_F(TrackEdit, BeaconSets) {
+// A set's count stops at its first unused line; there is no line 6, no set
+// 7. A full set counts six, whatever the next set holds.
+TEST_F(TrackEdit, BeaconSetsCountLinesUpToTheFirstUnused) {
   _SInfoBeacons b;
-  EXPECT_EQ(b.TipoBeaconInUso, BEACON_SCRUTINEERING);
   EXPECT_FALSE(Line(0, 0, 12).isUsed());  // a width alone does not make a line
   EXPECT_TRUE(Line(1, 0).isUsed() && Line(0, 1).isUsed() && Line(0, 0, 0, 1).isUsed());
-  // The count stops at the first unused line; there is no line 6, no set 7.
   for (unsigned i : {0u, 1u, 3u, 6u}) b.SetLineeSplitLLH(i, Line(1, 1), BEACON_OPTIC);
   b.SetLineeSplitLLH(2, Line(1, 1), static_cast<_eTipoBeaconDaUsare>(7));
-  EXPECT_EQ(b.GetNumeroSplit(BEACON_OPTIC), 2u);
-  b.SetLineeSplitLLH(2, Line(1, 1), BEACON_OPTIC);
-  EXPECT_EQ(b.GetNumeroSplit(BEACON_OPTIC), 4u);
+  EXPECT_EQ(b.GetNumeroSplit(BEACON_OPTIC) * 10 + b.GetNumeroSplit(BEACON_USER), 20u);
+  for (unsigned i = 0; i < 6; ++i) b.SetLineeSplitLLH(i, Line(1, 1), BEACON_OPTIC);
+  b.SetLineeSplitLLH(0, Line(2, 2), BEACON_USER);
+  EXPECT_EQ(b.GetNumeroSplit(BEACON_OPTIC), 6u);
   b.ClearLineaSplitLLH(1, BEACON_OPTIC);
   EXPECT_EQ(b.GetNumeroSplit(BEACON_OPTIC), 1u);
-  // Each set's width is its finish line's; type 5 is the type in use.
-  const _SDatoCoordinateBeacon* lines = nullptr;
-  for (uint8_t type = BEACON_SCRUTINEERING; type <= BEACON_USER; ++type) {
-    b.SetLarghezzaPista(10u + type, static_cast<_eTipoBeaconDaUsare>(type));
-    b.TipoBeaconInUso = type;
-    b.GetLineeSplitLLH(lines, BEACON_IN_USO);
-    EXPECT_EQ(
-        std::make_tuple(b.LineeBeacon[type - 1][0].LarghezzaPista, b.GetLarghezzaPista(BEACON_IN_USO), lines),
-        std::make_tuple(10u + type, 10u + type, +b.LineeBeacon[type - 1]));
-  }
-  for (int inUse : {0, 5}) {
-    b.TipoBeaconInUso = static_cast<uint8_t>(inUse);
-    EXPECT_TRUE(b.GetLineeSplitLLH(lines, BEACON_IN_USO) + b.GetLarghezzaPista(BEACON_IN_USO) == 0 &&
-                lines == nullptr)
-        << inUse;
-  }
-  // Moving the set in use to another type copies its finish line six times.
-  auto t = fixtures::MakeSmallTrack();
-  _SInfoBeacons& own = t->GetTagInfo()->InfoFw.InfoBeacons;
-  own.TipoBeaconInUso = BEACON_SCRUTINEERING;
-  for (unsigned i = 0; i < 3; ++i) t->SetLineeSplitLLH(i, Line(10 + i, 20, 15 - i), BEACON_IN_USO);
-  EXPECT_EQ(t->GetLarghezzaPista(), 15u);
-  EXPECT_TRUE(t->TrasformaSetDiBeacon(BEACON_OPTIC));
-  for (const auto& l : own.LineeBeacon[2]) EXPECT_EQ(l.LatI * 100 + l.LarghezzaPista, 1015u);
-  EXPECT_EQ(own.GetNumeroSplit(BEACON_IN_USO) * 10 + own.TipoBeaconInUso,
-            31u);  // the set in use is unchanged
-  const bool raceTrack = t->CanUseBeaconTypeMagnetic();
-  t->SetTrackTypeCircuitKey(TRACCIATO_KART_TRACK);
-  EXPECT_TRUE(!raceTrack && t->CanUseBeaconTypeMagnetic());
 }
 
 TEST_F(TrackEdit, LengthKeyIsTheStandardLengthBelow) {
@@ -868,25 +539,6 @@ TEST_F(TrackEdit, LengthKeyIsTheStandardLengthBelow) {
                                                {5000.0, 32186890}, {1e9, 32186890}};
   for (const auto& c : cases)
     EXPECT_EQ(CDistanceCalculator::GetLunghezzaFrazionaria(c.first), c.second) << c.first;
-  // Setting key and length together: a known key gives its whole metres;
-  // another key does not count, the length does.
-  const double rows[][4] = {{12070083, 999.0, 12070083, 1207.0},
-                            {16093445, NAN, 16093445, 1609.0},
-                            {12345, 777.5, 0, 777.5},
-                            {0, 12.25, 0, 12.25},
-                            {NAN, 3.5, 0, 3.5},
-                            {12345, NAN, 0, 0.0},
-                            {NAN, NAN, 0, 0.0}};  // key, metres, stored key, stored metres
-  for (const auto& r : rows) {
-    Fw fw;
-    fw.TipoLunghezza = 42, fw.Lunghezza = 42.0f;
-    const auto key = static_cast<_eTipoLunghezzaPista>(std::isnan(r[0]) ? 0u : static_cast<unsigned>(r[0]));
-    const float metres = static_cast<float>(r[1]);
-    fw.ImpostaLunghezzaPista(std::isnan(r[0]) ? nullptr : &key, std::isnan(r[1]) ? nullptr : &metres);
-    EXPECT_EQ(std::make_pair(static_cast<double>(fw.TipoLunghezza), static_cast<double>(fw.Lunghezza)),
-              std::make_pair(r[2], r[3]))
-        << r[0];
-  }
 }
 
 TEST_F(TrackEdit, AssigningTheLengthReportsEachChangeOnce) {
@@ -934,20 +586,15 @@ TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
   Fw expected = source;
   for (auto& l : expected.InfoBeacons.LineeBeacon[2]) l = source.InfoBeacons.LineeBeacon[3][0];
   expected.Guid.Byte[5] ^= 0x80;
-  EXPECT_TRUE(memcmp(&vek->GetTagInfo()->InfoFw, &expected, sizeof expected) == 0 &&
-              IGuidTkk::IsVek(vek->GetTagInfo()->InfoFw.Guid));
-  EXPECT_EQ(memcmp(&dev->GetTagInfo()->InfoFw, &source, sizeof source), 0);
-  dev->TrasformaPistaInVek();  // a toggle of bit 47
-  EXPECT_EQ(uint64_t{dev->GetTagInfo()->InfoFw.Guid.Valore}, source.Guid.Valore ^ (1ull << 47));
-
+  EXPECT_EQ(BytesOf(vek->GetTagInfo()->InfoFw), BytesOf(expected));
+  EXPECT_EQ(BytesOf(dev->GetTagInfo()->InfoFw), BytesOf(source));
   EXPECT_FALSE(
       Empty(false, true)->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));  // nothing to convert
-  auto maker = fixtures::MakeSmallTrack();
-  EXPECT_FALSE(maker->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));
+  EXPECT_FALSE(fixtures::MakeSmallTrack()->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));
   EXPECT_EQ(std::make_pair(Reports(), dir_.Entries()),
             std::make_pair(Texts{"ERROR La pista e' gia' Vek"}, files));
   // A maker's track is never a user's, whatever its GUID says.
-  maker = Empty(true, false);
+  auto maker = Empty(true, false);
   fw.Guid.Valore = 1ull << 47;
   EXPECT_TRUE(maker->AddTagInfoVariante("", "", fw, Idx()) && !maker->IsUserCreatedNewTrack());
 }
@@ -962,22 +609,14 @@ _SDatoCoordinateBeacon North(double metres) {
 
 class TrackChecks : public TrackEdit {
  protected:
-  void SetUp() override { TrackEdit::SetUp(), t_->SetBaricentro(kRefLat, kRefLon); }
+  void SetUp() override {
+    TrackEdit::SetUp();
+    t_->SetBaricentro(kRefLat, kRefLon);
+  }
   _SInfoBeacons& Beacons() { return t_->GetTagInfo()->InfoFw.InfoBeacons; }
   std::unique_ptr<CFileTkk> t_ = fixtures::MakeSmallTrack();  // "Monza GP", type 4 in use
   std::string msg_ = "untouched";
 };
-
-TEST_F(TrackChecks, ReferencePointIsRoundedToTheNearestStep) {
-  const std::pair<double, double> cases[][2] = {{{45.6, 9.28}, {456000000, 92800000}},
-                                                {{-0.00000005, 0.00000005}, {-1, 1}},
-                                                {{-33.5, -70.25}, {-335000000, -702500000}}};
-  for (const auto& c : cases) {
-    t_->SetBaricentro(c[0].first, c[0].second);
-    EXPECT_EQ(std::make_pair(1.0 * t_->GetTagInfo()->InfoFw.LatRif, 1.0 * t_->GetTagInfo()->InfoFw.LonRif),
-              c[1]);
-  }
-}
 
 TEST_F(TrackChecks, LinesMustLieWithin1000MetresOfTheReferencePoint) {
   auto e = Empty();  // no variant, or no line at all: nothing to check
@@ -999,8 +638,8 @@ TEST_F(TrackChecks, LinesMustLieWithin1000MetresOfTheReferencePoint) {
 
 // In the United States every line lies west of Greenwich.
 TEST_F(TrackChecks, UnitedStatesLinesLieWest) {
-  t_->SetLineeSplitLLH(0, Line(456200000, 0), BEACON_IN_USO),
-      t_->SetLineeSplitLLH(1, Line(456200000, 1), BEACON_IN_USO);
+  t_->SetLineeSplitLLH(0, Line(456200000, 0), BEACON_IN_USO);
+  t_->SetLineeSplitLLH(1, Line(456200000, 1), BEACON_IN_USO);
   const std::pair<const char*, const char*> cases[] = {
       {"USA", "split n.1"}, {"US", "split n.1"}, {"ITA", ""}, {"U", ""}};
   for (const auto& c : cases) {
@@ -1014,60 +653,55 @@ TEST_F(TrackChecks, UnitedStatesLinesLieWest) {
   EXPECT_EQ(msg_, "lap has not coherent coordinate");
 }
 
+// Counts first, then positions (latitude and longitude; height and width do
+// not count), line by line against the user's set.
 TEST_F(TrackChecks, EqualBeaconsCompareCountsThenPositions) {
-  EXPECT_TRUE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));  // both empty
   for (unsigned i = 0; i < 3; ++i) Beacons().SetLineeSplitLLH(i, North(i + 1.0), BEACON_USER);
-  for (unsigned i = 0; i < 2; ++i) Beacons().SetLineeSplitLLH(i, North(i + 1.0), BEACON_OPTIC);
-  EXPECT_FALSE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));
-  EXPECT_EQ(msg_, "we have 3 beacons in set User and 2 beacons in set Optic");
-  const _SDatoCoordinateBeacon three = North(3.0);
-  Beacons().SetLineeSplitLLH(2, Line(three.LatI, three.LonI, 7, 99),
-                             BEACON_OPTIC);  // height and width do not count
-  EXPECT_TRUE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));
-  EXPECT_EQ(msg_, "");
   const _SDatoCoordinateBeacon u0 = Beacons().LineeBeacon[3][0], u1 = Beacons().LineeBeacon[3][1];
   const auto at = [](const _SDatoCoordinateBeacon& l) {
     return std::to_string(l.LatI) + ";" + std::to_string(l.LonI);
   };
-  _SDatoCoordinateBeacon moved = u1;
-  moved.LonI += 5;
-  Beacons().SetLineeSplitLLH(1, moved, BEACON_OPTIC);
+  const std::tuple<unsigned, _SDatoCoordinateBeacon, std::string> rows[] = {
+      // a line of the optic set
+      {0, Line(u0.LatI, u0.LonI, 7, 99), ""},
+      {1, Line(u1.LatI, u1.LonI + 5), "split n. 1(" + at(u1)},
+      {0, Line(u0.LatI + 5, u0.LonI), "lap (" + at(u0)}};  // line 1 still differs: the first counts
+  for (unsigned i = 0; i < 3; ++i) Beacons().SetLineeSplitLLH(i, Beacons().LineeBeacon[3][i], BEACON_OPTIC);
+  for (const auto& [i, line, user] : rows) {
+    Beacons().SetLineeSplitLLH(i, line, BEACON_OPTIC);
+    EXPECT_EQ(t_->AreEqualBeacons(BEACON_OPTIC, msg_), user.empty());
+    EXPECT_EQ(msg_, user.empty() ? ""
+                                 : "we have  different " + user + ") in set User and coordinates " +
+                                       at(line) + " in set Optic");
+  }
+  Beacons().ClearLineaSplitLLH(2, BEACON_OPTIC);
   EXPECT_FALSE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));
-  EXPECT_EQ(msg_, "we have  different split n. 1(" + at(u1) + ") in set User and coordinates " + at(moved) +
-                      " in set Optic");
-  moved.LonI = u0.LonI;  // the latitude alone differs
-  Beacons().SetLineeSplitLLH(0, moved, BEACON_OPTIC);
-  EXPECT_FALSE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));
-  EXPECT_EQ(msg_, "we have  different lap (" + at(u0) + ") in set User and coordinates " + at(moved) +
-                      " in set Optic");
+  EXPECT_EQ(msg_, "we have 3 beacons in set User and 2 beacons in set Optic");
 }
 
 // Scrutineering lines, and magnetic ones on a kart track, pass without a
 // word; any other type fails either way, with a report of which case it was.
 TEST_F(TrackChecks, BeaconTypeMustSuitTheCircuit) {
-  const std::string same = "ERROR beacons are same for track Monza GP ";
-  const struct Case {
-    int type;
-    _eTipoTracciatoTkk circuit;
-    std::string msg, report;
-  } cases[] = {
+  const std::string same = "ERROR beacons are same for track Monza GP ",
+                    type = "Track Monza GP has beacon type ";
+  const std::tuple<int, _eTipoTracciatoTkk, std::string, std::string> cases[] = {
       {BEACON_SCRUTINEERING, TRACCIATO_RACE_TRACK, "untouched", ""},
       {BEACON_MAGNETIC, TRACCIATO_KART_TRACK, "untouched", ""},
-      {BEACON_MAGNETIC, TRACCIATO_RACE_TRACK, "Track Monza GP has beacon type Magnetic and circuit type 1",
-       same},
-      {BEACON_IN_USO, TRACCIATO_KART_TRACK, "Track Monza GP has beacon type Last!!!! and circuit type 2",
-       same},
-      {BEACON_OPTIC, TRACCIATO_KART_TRACK, "Track Monza GP has beacon type Optic and circuit type 2", same},
+      {BEACON_MAGNETIC, TRACCIATO_RACE_TRACK, type + "Magnetic and circuit type 1", same},
+      {BEACON_IN_USO, TRACCIATO_KART_TRACK, type + "Last!!!! and circuit type 2", same},
+      {BEACON_OPTIC, TRACCIATO_KART_TRACK, type + "Optic and circuit type 2", same},
       {BEACON_USER, TRACCIATO_KART_TRACK, "we have 1 beacons in set User and 0 beacons in set Scrutineering",
        "ERROR beacons are different for track Monza GP "},
   };
   Beacons().SetLineeSplitLLH(0, North(1.0), BEACON_USER);
-  for (const Case& c : cases) {
-    evtrec::Reset(true), msg_ = "untouched", t_->SetTrackTypeCircuitKey(c.circuit);
-    Beacons().TipoBeaconInUso = static_cast<uint8_t>(c.type);
-    EXPECT_EQ(t_->IsVekTrackWithCorrectBeaconType(msg_), c.report.empty()) << c.type;
-    EXPECT_EQ(msg_, c.msg);
-    EXPECT_EQ(Reports(), c.report.empty() ? Texts{} : Texts{c.report});
+  for (const auto& [beacons, circuit, msg, report] : cases) {
+    evtrec::Reset(true);
+    msg_ = "untouched";
+    t_->SetTrackTypeCircuitKey(circuit);
+    Beacons().TipoBeaconInUso = static_cast<uint8_t>(beacons);
+    EXPECT_EQ(t_->IsVekTrackWithCorrectBeaconType(msg_), report.empty()) << beacons;
+    EXPECT_EQ(msg_, msg);
+    EXPECT_EQ(Reports(), report.empty() ? Texts{} : Texts{report});
   }
 }
 
