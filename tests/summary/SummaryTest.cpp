@@ -57,8 +57,10 @@ Bytes BytesOf(std::initializer_list<const _SDatoRiassuntivo*> records) {
 
 // The five lists of a comparison as (list, file name) pairs, list by list.
 using Pairs = std::vector<std::pair<int, std::string>>;
-const std::string& NameOf(const std::string& name) { return name; }
-const std::string& NameOf(const SPistaEstesa& track) { return track.NomeFileTkk; }
+std::string NameOf(const std::string& name) { return name; }
+std::string NameOf(const SPistaEstesa& t) {
+  return t.NomeFileTkk + "/" + t.Country + "/" + t.State + "/" + t.Name;
+}
 template <typename Result>
 Pairs Flat(const Result& c) {
   Pairs out;
@@ -125,6 +127,7 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
   CFileTkk& file = dynamic_cast<CFileTkk&>(*track);
   const short n = static_cast<short>(file.GetTagsInfoVarianti().size());
   CFileRiassuntivo s;
+  EXPECT_FALSE(s.IsThisFileTkkHere(nome));                           // names counted before the records come
   for (short i = -1; i <= n; ++i) s.AddVarianteTkk(track.get(), i);  // -1 and n are no variants
   s.AddVarianteTkk(nullptr, 0);
   s.AddVarianteTkk(bad.get(), 0);
@@ -144,6 +147,11 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
                         int{fw.InfoBeacons.TipoBeaconInUso}, i, nome, uint64_t{fw.Guid.Valore},
                         uint32_t{fw.DataModifica.Valore}, file.GetOffsetDatiFw(i), file.GetOffsetPti(i)));
   }
+  // Records added after the count are found by their names when removed.
+  std::vector<const _SDatoRiassuntivo*> left(1);
+  s.DelFileTkk(nome);
+  s.GetDatiRiassuntivi(left);
+  EXPECT_TRUE(left.empty());
 }
 
 // A name shorter than 8 characters stands for 8 zero bytes. Removals in a
@@ -242,14 +250,9 @@ TEST(SummaryCompare, Rules) {
     SConfrontoPisteEsteso ext;
     EXPECT_TRUE(here->ConfrontaConAltro(*there, basic) && here->ConfrontaConAltroEsteso(*there, ext));
     EXPECT_EQ(Flat(basic), (Pairs{{c.basic, "tttttttt"}, {3, "hhhhhhhh"}, {4, "eeeeeeee"}}));
-    EXPECT_EQ(Flat(ext), (Pairs{{c.extended, "tttttttt"}, {3, "hhhhhhhh"}, {4, "eeeeeeee"}}));
     // Lists 1 to 4 carry this side's record, list 5 the other side's.
-    const SPistaEstesa& mine = c.extended == 0   ? ext.PisteUguali[0]
-                               : c.extended == 1 ? ext.PisteQuiPiuRecenti[0]
-                                                 : ext.PisteAltrovePiuRecenti[0];
-    const SPistaEstesa& theirs = ext.PisteSoloAltrove[0];
-    EXPECT_EQ(std::string(mine.Country) + mine.Name, "ITAT");
-    EXPECT_EQ(std::string(theirs.Country) + "/" + theirs.State + "/" + theirs.Name, "FRA/BY/E");
+    EXPECT_EQ(Flat(ext),
+              (Pairs{{c.extended, "tttttttt/ITA//T"}, {3, "hhhhhhhh///H"}, {4, "eeeeeeee/FRA/BY/E"}}));
   }
 }
 
@@ -356,6 +359,8 @@ TEST(SummaryFile, CrossIndexBytes) {
   EXPECT_EQ(ReadAll(dir.path() + "idx"), (Bytes{4, 0, 0xFF, 0xFF, 0xFF, 0xFF, 3, 0}));
 }
 
+// Each set written as its records (here by the first letter of their names)
+// and two indexes (positions in the other orders, one digit each).
 TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
   fixtures::TempDir dir;
   const std::string p = dir.path();
@@ -363,34 +368,28 @@ TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
   const _SDatoRiassuntivo d = Rec("Monza", "FRA", 5, 0, 2), e = Rec("Adria", "ITA", 10, 0, 1);
   std::unique_ptr<CFileRiassuntivo> s = Summary({&d, &e, &d});
   CFileRiassuntivo empty;
-  using Set = bool (IFileRiassuntivo::*)(const std::string&, const std::string&, const std::string&);
-  struct Case {
-    Set set;
-    Bytes file, i2, i3;
-  } const cases[] = {
-      {&IFileRiassuntivo::CreaFileAlfabSortedSenzaNazione,
-       BytesOf({&e, &d, &d}),
-       {2, 0, 0, 0, 0, 0},
-       {0, 0, 1, 0, 1, 0}},
-      {&IFileRiassuntivo::CreaFileAlfabSortedConNazione,
-       BytesOf({&d, &d, &e}),
-       {0, 0, 0, 0, 2, 0},
-       {1, 0, 1, 0, 0, 0}},
-      {&IFileRiassuntivo::CreaFileLatLonSorted,
-       BytesOf({&d, &d, &e}),
-       {1, 0, 1, 0, 0, 0},
-       {1, 0, 1, 0, 0, 0}},
-      {&IFileRiassuntivo::CreaFileGuidSorted, BytesOf({&e, &d, &d}), {0, 0, 1, 0, 1, 0}, {2, 0, 0, 0, 0, 0}},
+  const auto read = [&p](const char* file, size_t step) {
+    std::string out;
+    const Bytes bytes = ReadAll(p + file);
+    for (size_t i = 0; i < bytes.size(); i += step)
+      out += step == 2 ? char('0' + bytes[i] + 256 * bytes[i + 1]) : char(bytes[i]);
+    return out;
   };
-  for (const Case& c : cases) {
-    EXPECT_FALSE((empty.*c.set)(p + "s", p + "i2", p + "i3"));
+  using Set = bool (IFileRiassuntivo::*)(const std::string&, const std::string&, const std::string&);
+  const std::tuple<Set, const char*, const char*, const char*> cases[] = {
+      {&IFileRiassuntivo::CreaFileAlfabSortedSenzaNazione, "AMM", "200", "011"},
+      {&IFileRiassuntivo::CreaFileAlfabSortedConNazione, "MMA", "002", "110"},
+      {&IFileRiassuntivo::CreaFileLatLonSorted, "MMA", "110", "110"},
+      {&IFileRiassuntivo::CreaFileGuidSorted, "AMM", "011", "200"},
+  };
+  for (const auto& [set, names, i2, i3] : cases) {
+    EXPECT_FALSE((empty.*set)(p + "s", p + "i2", p + "i3"));
     EXPECT_TRUE(dir.Entries().empty());
-    EXPECT_TRUE((s.get()->*c.set)(p + "s", "", ""));  // no index asked for
+    EXPECT_TRUE((s.get()->*set)(p + "s", "", ""));  // no index asked for
     EXPECT_EQ(dir.Entries(), std::vector<std::string>{"s"});
-    EXPECT_TRUE((s.get()->*c.set)(p + "s", p + "i2", p + "i3"));
-    EXPECT_EQ(ReadAll(p + "s"), c.file);
-    EXPECT_EQ(ReadAll(p + "i2"), c.i2);
-    EXPECT_EQ(ReadAll(p + "i3"), c.i3);
+    EXPECT_TRUE((s.get()->*set)(p + "s", p + "i2", p + "i3"));
+    EXPECT_EQ(read("s", sizeof d) + read("i2", 2) + read("i3", 2), std::string(names) + i2 + i3);
+    EXPECT_EQ(ReadAll(p + "s").size(), 3 * sizeof d);
     for (const char* f : {"s", "i2", "i3"}) unlink((p + f).c_str());
   }
 }
