@@ -419,8 +419,8 @@ TEST(SummaryF1, CircuitsThroughTheSummary) {
   for (const auto& [set, order] : sets) {
     ASSERT_TRUE((summary.*set)(dir.path() + "set", "", ""));
     std::vector<const _SDatoRiassuntivo*> records;
-    std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMeUponFile(dir.path() + "set"))
-        ->GetDatiRiassuntivi(records);
+    std::unique_ptr<IFileRiassuntivo> back(IFileRiassuntivo::CreateMeUponFile(dir.path() + "set"));
+    back->GetDatiRiassuntivi(records);
     ASSERT_EQ(records.size(), locations.size());
     for (size_t i = 1; i < records.size(); ++i)
       EXPECT_FALSE(rs::Precede(order, *records[i], *records[i - 1]));
