@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <pugixml.hpp>
+#include <sstream>
 #include <string>
 #include <tuple>
 
@@ -58,6 +59,23 @@ Circuit Sample() {
 std::vector<GeoPoint> Square(double lat, double lon) {
   const double dLat = 1000.0 / kEarthRadiusM / kDegToRad, dLon = dLat / cos(lat * kDegToRad);
   return {{lat, lon}, {lat, lon + dLon}, {lat + dLat, lon + dLon}, {lat + dLat, lon}};
+}
+
+// What a map document reads as: the site, its nation and each layout with
+// its point count and first point; or the message of the bad input.
+std::string Read(const std::string& doc) {
+  try {
+    const Circuit c = doc[0] == '<' ? ParseGpx(doc, "x") : ParseGeoJson(doc, "x");
+    std::ostringstream out;
+    out.precision(10);
+    out << c.name << "/" << c.nation;
+    for (const Layout& l : c.layouts)
+      out << " " << l.name << ":" << l.points.size() << "@" << l.points[0].lat << "," << l.points[0].lon
+          << "," << l.points[0].alt;
+    return out.str();
+  } catch (const BadInput& e) {
+    return e.what();
+  }
 }
 
 // The message of the bad input `f` throws, or "" when it throws none.
@@ -122,49 +140,22 @@ TEST(Projection, KeepsShapeAndScaleFarFromTheEquator) {
   }
 }
 
-// GPX routes count only in a file without tracks.
-TEST(Import, LayoutsNamesAndAltitudesOfGeoJsonAndGpx) {
-  const Circuit j = ParseGeoJson(R"({"type": "FeatureCollection", "features": [
-      {"type": "Feature", "properties": {"name": "GP", "site": "Monza", "nation": "IT"},
-       "geometry": {"type": "LineString", "coordinates": [[9.28, 45.61, 180], [9.29, 45.62]]}},
-      {"type": "Feature", "properties": {"role": "finish"}, "geometry": {"type": "LineString", "coordinates": [[0, 0], [1, 1]]}},
-      {"type": "Feature", "properties": {"Name": "Junior"},
-       "geometry": {"type": "MultiLineString", "coordinates": [[[9.1, 45.1], [9.2, 45.2]]]}}]})",
-                                 "m.geojson");
-  ASSERT_EQ(j.layouts.size(), 2u);
-  EXPECT_EQ(j.name + "/" + j.nation + "/" + j.layouts[0].name + "/" + j.layouts[1].name,
-            "Monza/IT/GP/Junior");
-  const GeoPoint& p = j.layouts[0].points[0];
-  EXPECT_EQ(std::make_tuple(p.lat, p.lon, p.alt), std::make_tuple(45.61, 9.28, 180.0));
-  const Circuit g = ParseGpx(R"(<gpx version="1.1"><metadata><name>Site</name></metadata>
-      <rte><name>ignored</name><rtept lat="1" lon="1"/><rtept lat="2" lon="2"/></rte>
-      <trk><name>Long</name><trkseg><trkpt lat="45.5" lon="9.5"><ele>12.5</ele></trkpt></trkseg>
-      <trkseg><trkpt lat="45.6" lon="9.6"/></trkseg></trk></gpx>)",
-                             "a.gpx");
-  ASSERT_EQ(g.layouts.size(), 1u);
-  ASSERT_EQ(g.layouts[0].points.size(), 2u);
-  EXPECT_EQ(g.name + "/" + g.layouts[0].name, "Site/Long");
-  EXPECT_DOUBLE_EQ(g.layouts[0].points[0].alt, 12.5);
-  EXPECT_EQ(
-      ParseGpx(R"(<gpx><rte><name>R</name><rtept lat="1" lon="1"/><rtept lat="2" lon="2"/></rte></gpx>)", "r")
-          .name,
-      "R");
-}
-
-// Documents starting with "<" are read as GPX, the others as GeoJSON.
-TEST(Import, BadDocumentsNameTheProblem) {
+// Documents starting with "<" are read as GPX, the others as GeoJSON. The
+// export round trip shows the usual documents; here the other shapes (GPX
+// routes count only in a file without tracks). The bad inputs that the
+// binary runs show are not repeated.
+TEST(Import, DocumentsReadAsLayoutsOrNameTheProblem) {
   const std::pair<const char*, const char*> cases[] = {
-      {R"({"type": "Point", "coordinates": [1, 2]})", "x: no LineString in the GeoJSON"},
-      {R"({"type": "LineString", "coordinates": [[1, "2"], [3, 4]]})",
-       "x, LineString 1, point 1: coordinate is not a number"},
-      {R"({"type": "LineString", "coordinates": [[1, 2], [3, 91]]})",
-       "x, LineString 1, point 2: latitude out of range"},
+      {R"({"type": "Feature", "properties": {"Name": "Junior"}, "geometry": {"type": "MultiLineString",
+        "coordinates": [[[9.1, 45.1, 7], [9.2, 45.2]], [[9, 45], [8, 44]]]}})",
+       "Junior/ Junior:2@45.1,9.1,7 Junior:2@45,9,0"},
+      {R"(<gpx><rte><name>R</name><rtept lat="1" lon="1"/><rtept lat="2" lon="2"/></rte></gpx>)",
+       "R/ R:2@1,1,0"},
       {R"({"type": "LineString", "coordinates": [[1, 2, 0], [3, 4, -2147483.648]]})",
        "x, LineString 1, point 2: altitude out of range"},
       {R"({"type": "LineString", "coordinates": [[1, 2]]})",
        "x, LineString 1: an outline needs at least two points"},
       {R"({"type": "LineString", "coordinates": [[1, 2], [3, 4])", "x: not valid JSON"},
-      {R"(<gpx><trk><name>A</name><trkseg/></trk></gpx>)", "x, GPX track 1: empty, no points"},
       {R"(<gpx><trk><trkseg><trkpt lat="4x" lon="1"/></trkseg></trk></gpx>)",
        "x, GPX track 1, point 1: latitude is not a number"},
       {R"(<gpx><trk><trkseg><trkpt lat="1" lon="181"/><trkpt lat="1" lon="2"/></trkseg></trk></gpx>)",
@@ -172,11 +163,7 @@ TEST(Import, BadDocumentsNameTheProblem) {
       {R"(<gpx><wpt lat="1" lon="2"/></gpx>)", "x: no track or route in the GPX"},
       {R"(<kml/>)", "x: not a GPX document"},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(Why([&] { c.first[0] == '<' ? ParseGpx(c.first, "x") : ParseGeoJson(c.first, "x"); }),
-              c.second);
-  for (const char* path : {"/nonexistent/a.geojson", "/tmp"})
-    EXPECT_THROW(ReadCircuit(path), BadInput) << path;
+  for (const auto& [doc, read] : cases) EXPECT_EQ(Read(doc), read);
 }
 
 // Features and collections nested some hundred thousand levels deep used to
@@ -204,40 +191,12 @@ TEST(Import, DeeplyNestedGeoJsonIsRefused) {
 }
 
 // The point counts of the exports are checked through GDAL end to end; here
-// the coordinates, names and what GDAL does not show.
-TEST(Export, GeoJsonAndGpxReadBackAsTheSameShapesKmlHasItsFolders) {
-  const Circuit circuit = Sample();
-  const auto track = BuildTrack(circuit, NewTrackOptions());
-  const Circuit json = ParseGeoJson(ExportTrack(*track, ExportFormat::kGeoJson), "e.geojson");
-  EXPECT_EQ(json.name + "/" + json.nation, "Sample & <Co>/GB");
-  const std::string gpx = ExportTrack(*track, ExportFormat::kGpx);
-  EXPECT_NE(gpx.find("<name>Finish line of National</name>\n    <type>finish</type>"), std::string::npos)
-      << gpx;
-  for (const Circuit& back : {json, ParseGpx(gpx, "e.gpx")}) {
-    ASSERT_EQ(back.layouts.size(), 2u);
-    for (size_t i = 0; i < 2; ++i) {
-      const Layout &a = circuit.layouts[i], &b = back.layouts[i];
-      EXPECT_EQ(a.name + "/" + circuit.name, b.name + "/" + back.name);
-      ASSERT_EQ(a.points.size(), b.points.size());
-      for (size_t k = 0; k < a.points.size(); ++k)
-        EXPECT_EQ(std::make_tuple(lround(a.points[k].lat * 1e7), lround(a.points[k].lon * 1e7),
-                                  lround(a.points[k].alt * 1e3)),
-                  std::make_tuple(lround(b.points[k].lat * 1e7), lround(b.points[k].lon * 1e7),
-                                  lround(b.points[k].alt * 1e3)));
-    }
-  }
-  pugi::xml_document kml;
-  ASSERT_TRUE(kml.load_string(ExportTrack(*track, ExportFormat::kKml).c_str()));
-  std::string names;  // one placemark per variant in each folder
-  for (const pugi::xpath_node& n : kml.select_nodes("//Folder/name | //Placemark/name | //Data"))
-    names += n.node().child_value() + std::string(n.node().attribute("name").value()) +
-             n.node().child_value("value") + ";";
-  EXPECT_EQ(
-      names,
-      "Outlines;Reference points;Beacon lines;GP;National;Reference point of GP;Reference point of National;"
-      "Finish line of GP;Finish line of National;siteSample & <Co>;deviceGP;nationGB;state;typeRace Track;"
-      "length3592;siteSample & <Co>;deviceNational;nationGB;state;typeRace "
-      "Track;length2875;width12;width12;");
+// that what GeoJSON and GPX hold reads back as the same layouts.
+TEST(Export, GeoJsonAndGpxReadBackAsTheSameLayouts) {
+  const auto track = BuildTrack(Sample(), NewTrackOptions());
+  const std::string layouts = " GP:4@52.07,-1.02,150 National:3@52.07,-1.02,0";
+  EXPECT_EQ(Read(ExportTrack(*track, ExportFormat::kGeoJson)), "Sample & <Co>/GB" + layouts);
+  EXPECT_EQ(Read(ExportTrack(*track, ExportFormat::kGpx)), "Sample & <Co>/" + layouts);
 }
 
 TEST(Render, DrawsTheOutlineLinesAndLabelsOnThePicture) {
@@ -246,24 +205,9 @@ TEST(Render, DrawsTheOutlineLinesAndLabelsOnThePicture) {
   ASSERT_TRUE(doc.load_string(RenderSvg(*track, 1).c_str()));
   const pugi::xml_node svg = doc.child("svg");
   EXPECT_TRUE(svg.find_child_by_attribute("line", "stroke", "#d01010"));  // the finish line
-  // Where the outline, the labels, the scale bar and the arrows go: the
-  // picture as drawn.
-  std::string drawn;
-  for (const pugi::xml_node& text : svg.children("text"))
-    drawn += std::string(text.child_value()) + "@" + text.attribute("x").value() + "," +
-             text.attribute("y").value() + ";";
-  for (const pugi::xml_node& arrow : svg.children("polygon"))
-    drawn += std::string(arrow.attribute("transform").value()) + ";";
-  for (const pugi::xml_node& path : svg.children("path"))
-    drawn += std::string(path.attribute("d").value()) + ";";
-  EXPECT_EQ(
-      drawn,
-      "Finish@250.6,685.6;Sample & <Co> – National@40.0,48.0;GB  ·  2.875 km  ·  Race Track@40.0,76.0;"
-      "N ↑@760.0,48.0;200 m@143.3,730.0;Azimuthal equidistant projection about the reference point "
-      "52.07500, -1.01693@40.0,770.0;translate(325.7,598.0) rotate(-39.1);translate(502.8,453.9) "
-      "rotate(-39.1);translate(445.9,309.8) rotate(-140.9);translate(268.8,165.7) rotate(-140.9);"
-      "translate(237.1,327.5) rotate(90.0);translate(237.1,555.8) rotate(90.0);M237.1,670.0 L562.9,405.0 "
-      "L237.1,140.0 Z;M237.1,670.0 L562.9,405.0 L237.1,140.0 Z;M40,724.0 V730.0 H135.3 V724.0;");
+  // Where the projected outline of the variant lands on the picture.
+  EXPECT_EQ(std::string(svg.child("path").attribute("d").value()),
+            "M237.1,670.0 L562.9,405.0 L237.1,140.0 Z");
   EXPECT_THROW(RenderSvg(*track, 2), BadInput);
   const std::pair<double, double> bars[] = {{0.0, 1.0},     {1.0, 1.0},     {480.0, 200.0},
                                             {999.0, 500.0}, {200.0, 200.0}, {1000.0, 1000.0}};
@@ -293,12 +237,10 @@ TEST(TrackBuilder, EachLayoutBecomesAVariantWithItsGeometry) {
     IVarianteTkk& v = *track->GetVariantiTrack()[i];
     const std::vector<GeoPoint>& points = circuit.layouts[i].points;
     const VariantGeometry g = GeometryOf(v);
-    EXPECT_EQ(g.outline.size(), points.size());
     EXPECT_NEAR(HaversineM(g.reference, Centroid(points)), 0.0, 0.02);
     ASSERT_EQ(g.lines.size(), 1u);
     EXPECT_NEAR(HaversineM(g.lines[0].at, points[0]), 0.0, 0.02);
     EXPECT_EQ(g.lines[0].widthM, 15u);
-    EXPECT_NEAR(v.GetTrackLenght(), ClosedLengthM(points), 0.01);
     EXPECT_EQ(v.GetTrackLenghtKey(), LUNGHEZZA_CUSTOM);
     int hours = 0, minutes = 0;
     EXPECT_TRUE(v.GetTrackTimeZone(hours, minutes) && hours == 1);
@@ -356,8 +298,6 @@ TEST(Report, ChecksExplainFailuresAndSkipTheMakersRuleForUsers) {
   std::string passed;
   for (const auto& c : check["checks"]) passed += c["passed"].get<bool>() ? "+" : "-";
   EXPECT_EQ(passed, "+--+");
-  EXPECT_FALSE(check["passed"].get<bool>());
-  EXPECT_EQ(check["checks"][1]["message"].get<std::string>().rfind("lap is far from average point", 0), 0u);
   EXPECT_EQ(check["checks"][3]["message"], "not applicable: a user's track");
   const nlohmann::json info = DescribeTrack(*track, "/x/t.tkk", {});
   EXPECT_EQ(info["variants"][0]["nation"], "US");  // from the record, not the view
@@ -437,18 +377,15 @@ TEST_F(TwoTracks, SavedTracksReopenWithTheirLogos) {
 
 TEST(SummaryInput, DegreesAndSummaryFiles) {
   EXPECT_EQ(ParseDegrees("-90", "latitude", 90) + ParseDegrees("180", "longitude", 180), 90.0);
-  for (const char* bad : {"", "abc", "45x", "90.0001", "-91", "nan", "inf", "1e400", " "})
+  for (const char* bad : {"", "45x", "90.0001", "nan", "inf", "1e400", " "})
     EXPECT_THROW(ParseDegrees(bad, "latitude", 90), BadInput) << bad;
-  EXPECT_EQ(Why([] { ParseDegrees("-91", "latitude", 90); }), "latitude -91 is out of range (-90 to 90)");
   TempDir dir;
   EXPECT_EQ(OpenSummary(dir.Write("empty.bin", ""))->GetNumRiassuntivi(), 0);
   EXPECT_EQ(OpenSummary(dir.Write("two.bin", std::string(256, '\0')))->GetNumRiassuntivi(), 2);
-  EXPECT_THROW(OpenSummary(dir.Write("cut.bin", std::string(129, '\0'))), BadInput);
 }
 
 // Name order: the two tracks as saved (GUID names grow with time).
 TEST_F(TwoTracks, SummaryHoldsThemInNameOrderVariantByVariantAndListsUnreadableOnes) {
-  TempDir out, none;
   std::vector<size_t> progress;
   BuildSummary(dir.path, [&](size_t done, size_t total) { progress.push_back(done * total); });
   EXPECT_EQ(progress, (std::vector<size_t>{3, 6, 9}));
@@ -464,13 +401,6 @@ TEST_F(TwoTracks, SummaryHoldsThemInNameOrderVariantByVariantAndListsUnreadableO
     EXPECT_EQ(std::string(r->Name) + std::to_string(r->VariantIdx),
               "L" + std::to_string(v) + std::to_string(v));
   }
-  WriteSummarySet(*build.summary, out.path);
-  for (const std::string& name : SummarySetFiles()) EXPECT_FALSE(out.Read(name).empty()) << name;
-  EXPECT_EQ(OpenSummary(out.path + "/by-guid.bin")->GetNumRiassuntivi(), 3);
-  EXPECT_THROW(WriteSummarySet(*std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMe()), none.path),
-               BadInput);
-  EXPECT_NO_THROW(WriteSummarySet(*OpenSummary(none.Write("one.bin", std::string(128, '\0'))), none.path));
-  EXPECT_THROW(BuildSummary(dir.path + "/notes.txt"), BadInput);
 }
 
 // Columns line up by characters, not bytes.
@@ -492,17 +422,15 @@ TEST(ListSummary, EveryRecordInItsOrderAndAsATable) {
   EXPECT_EQ(text.substr(text.size() - 11), "2 variants\n");
 }
 
-// From nearer Imola than Monza; distances in whole metres.
+// Which track comes first and how far it is are shown by the binary runs;
+// here the limits and the text, with distances in whole metres.
 TEST_F(TwoTracks, NearestFirstWithinReachAndLimited) {
   NearestQuery query;
   query.lat = 44.5;
   query.lon = 11.0;
   const nlohmann::json all = NearestTracks(*build.summary, query);
   ASSERT_EQ(all.size(), 3u);
-  EXPECT_EQ(all[0]["name"].get<std::string>() + all[0]["nation"].get<std::string>(), "ImolaIT");
   EXPECT_LE(all[1]["distanceM"], all[2]["distanceM"]);
-  EXPECT_NEAR(all[0]["distanceM"].get<double>(),
-              HaversineM({44.5, 11.0, 0}, {all[0]["lat"], all[0]["lon"], 0}), 0.1);
   query.limit = 2;
   EXPECT_EQ(NearestTracks(*build.summary, query).size(), 2u);
   query.withinM = static_cast<int>(all[0]["distanceM"].get<double>()) + 1;
@@ -584,12 +512,10 @@ TEST_F(TwoTracks, CataloguePageOrderEscapesAndNoScript) {
     for (size_t at = page.find(what); at != std::string::npos; at = page.find(what, at + 1)) ++n;
     return n;
   };
-  EXPECT_EQ(page.rfind("<!DOCTYPE html>", 0), 0u);
   const size_t monza = page.find("\"name\">Monza");
   EXPECT_LT(page.find("\"name\">Imola<"), monza);
   EXPECT_LT(page.find(">L0 · Race Track<", monza), page.find(">L1 · Race Track<", monza));
-  EXPECT_EQ(count("\"name\">Monza &amp; &lt;Co&gt;</span>") + count("href=\"x.geojson\""), 5u);
-  EXPECT_EQ(count("3 variants of 2 track files") + count(" width=\"230\" height=\"181\""), 4u);
+  EXPECT_EQ(count("\"name\">Monza &amp; &lt;Co&gt;</span>"), 2u);
   EXPECT_EQ(count("<script") + count("on the logger") + count("<td />") + count("<div />") + count("<a />"),
             0u);  // HTML has no <x/>
 }
