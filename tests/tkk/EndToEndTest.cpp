@@ -75,8 +75,7 @@ TEST(TkkEndToEnd, F1CircuitsImportExportSummariseFindNearestAndDiff) {
   for (const std::string& name : Entries(kF1 + "/circuits")) {
     SCOPED_TRACE(name);
     const std::string id = name.substr(0, name.size() - 8), map = kF1 + "/circuits/" + name;
-    std::string nation = name.substr(0, 2);
-    std::transform(nation.begin(), nation.end(), nation.begin(), ::toupper);
+    const std::string nation{static_cast<char>(toupper(name[0])), static_cast<char>(toupper(name[1]))};
     const Result r = Tkk("new --json '" + map + "' -o " + tracks + " --nation " + nation);
     ASSERT_EQ(r.status, 0) << r.err;
     const std::string track = made[id] = json::parse(r.out)[0];
