@@ -73,16 +73,6 @@ std::string Read(const std::string& doc) {
   }
 }
 
-TEST(Geodesy, DistanceAndClosedLengthOnTheLibrarysSphere) {
-  EXPECT_NEAR(HaversineM({45.0, 9.0}, {46.0, 9.0}), kEarthRadiusM * kDegToRad, 1e-6);
-  EXPECT_NEAR(HaversineM({0.0, 179.5}, {0.0, -179.5}), kEarthRadiusM * kDegToRad, 1e-6);
-  std::vector<GeoPoint> square = Square(52.0, -1.0);
-  const double open = ClosedLengthM(square);
-  EXPECT_NEAR(open, 4000.0, 1.0);
-  square.push_back(square.front());  // already closed: no extra segment
-  EXPECT_NEAR(ClosedLengthM(square), open, 1e-9);
-}
-
 // Forty extra points along the south side pull the mean of the points
 // south, not the centroid of the outline.
 TEST(Geodesy, CentroidIgnoresHowDenselyASideWasDrawn) {
@@ -98,8 +88,15 @@ TEST(Geodesy, CentroidIgnoresHowDenselyASideWasDrawn) {
   EXPECT_NEAR(Centroid(square).alt, 100.0, 1e-9);
 }
 
-TEST(Geodesy, CrossLineIsAcrossTheDirectionOfTravel) {
-  std::vector<GeoPoint> square = Square(45.0, 7.0);
+TEST(Geodesy, DistancesOnTheLibrarysSphereAndCrossLinesAcrossTheDirectionOfTravel) {
+  EXPECT_NEAR(HaversineM({45.0, 9.0}, {46.0, 9.0}), kEarthRadiusM * kDegToRad, 1e-6);
+  EXPECT_NEAR(HaversineM({0.0, 179.5}, {0.0, -179.5}), kEarthRadiusM * kDegToRad, 1e-6);
+  std::vector<GeoPoint> square = Square(52.0, -1.0);
+  const double open = ClosedLengthM(square);
+  EXPECT_NEAR(open, 4000.0, 1.0);
+  square.push_back(square.front());  // already closed: no extra segment
+  EXPECT_NEAR(ClosedLengthM(square), open, 1e-9);
+  square = Square(45.0, 7.0);
   EXPECT_NEAR(TravelBearingDeg(square, square[3]), 180.0, 0.1);  // the last continues with the first
   square.insert(square.begin(), square.front());  // east along the south side, after a repeated point
   EXPECT_NEAR(TravelBearingDeg(square, square[0]), 90.0, 0.1);
@@ -358,20 +355,13 @@ TEST(DiffSummaries, EachVariantNewRemovedChangedEitherWayOrEqual) {
       Record("eeeeeeee", 0, "Far future", year2031), Record("ffffffff", 0, "Added", june)};
   const nlohmann::json diff = DiffSummaries(*OpenSummary(dir.Write("old.bin", Bytes(before))),
                                             *OpenSummary(dir.Write("new.bin", Bytes(after))));
-  std::string files;
-  for (const char* kind : {"equal", "removed", "new", "newer", "older"}) {
-    files += std::string(kind) + ":";
-    for (const auto& e : diff[kind])
-      files += e["fileName"].get<std::string>() + "/" + e["variant"].dump() + " ";
-  }
-  EXPECT_EQ(files,
-            "equal:aaaaaaaa/0 aaaaaaaa/1 removed:bbbbbbbb/0 new:ffffffff/0 newer:cccccccc/0 "
-            "older:dddddddd/0 eeeeeeee/0 ");
-  EXPECT_EQ(diff["newer"][0]["name"].get<std::string>() + diff["removed"][0]["name"].get<std::string>() +
-                diff["removed"][0]["nation"].get<std::string>(),
-            "Renamed againRemovedIT");
-  const std::string text = DiffText(diff);
-  EXPECT_NE(text.find("changed (newer)      cccccccc  0  IT    Renamed again"), std::string::npos) << text;
+  EXPECT_EQ(DiffText(diff),
+            "new                  ffffffff  0  IT    Added\n"
+            "removed              bbbbbbbb  0  IT    Removed\n"
+            "changed (newer)      cccccccc  0  IT    Renamed again\n"
+            "changed (not newer)  dddddddd  0  IT    Older\n"
+            "changed (not newer)  eeeeeeee  0  IT    Far future\n"
+            "2 variants equal\n");
 }
 
 // A commit naming a file never written leaves the old files as they were.
@@ -396,13 +386,12 @@ TEST(StagedFolder, FilesAppearTogetherOrNotAtAll) {
 // names are escaped and the page runs no script.
 TEST_F(TwoTracks, CataloguePageOrderEscapesAndNoScript) {
   std::vector<CatalogueRow> rows;
-  for (const SummarisedTrack& track : build.tracks) {
+  for (const SummarisedTrack& track : build.tracks)
     for (size_t v = 0; v < track.variants.size(); ++v) {
       CatalogueRow row{nullptr, &track.variants[v], "x.geojson"};
       build.summary->GetDatoRiassuntivo(row.record, static_cast<int>(track.firstRecord + v));
       rows.push_back(row);
     }
-  }
   const std::string page = CataloguePage(rows, 2);
   const size_t monza = page.find("\"name\">Monza");
   EXPECT_LT(page.find("\"name\">Imöla<"), monza);
