@@ -58,7 +58,7 @@ size_t OgrPoints(const std::string& file, const std::string& format) {
   std::istringstream lines(Sh("ogrinfo -ro -al -q '" + file + "'" + layer).out);
   size_t read = 0;
   for (std::string line; std::getline(lines, line);)
-    if (line.find("LINESTRING (") != std::string::npos) read += 1 + std::count(line.begin(), line.end(), ',');
+    if (line.find("LINESTRING") != std::string::npos) read += 1 + std::count(line.begin(), line.end(), ',');
   return read;
 }
 
