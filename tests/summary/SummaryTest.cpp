@@ -108,7 +108,6 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
   CFileTkk& file = dynamic_cast<CFileTkk&>(*track);
   const short n = static_cast<short>(file.GetTagsInfoVarianti().size());
   CFileRiassuntivo s;
-  EXPECT_FALSE(s.IsThisFileTkkHere(nome));                           // names counted before the records come
   for (short i = -1; i <= n; ++i) s.AddVarianteTkk(track.get(), i);  // -1 and n are no variants
   s.AddVarianteTkk(nullptr, 0);
   s.AddVarianteTkk(bad.get(), 0);
@@ -159,7 +158,7 @@ TEST(SummaryEdit, DeleteAndFindByFileName) {
 
 // A record at the query point is 0 m away: a maxDist of 0 leaves it out.
 // Results are appended to what the vector holds.
-TEST(SummaryNearest, StrictThresholdAppendedResultsAndPlanarRule) {
+TEST(SummaryNearest, StrictThresholdAndAppendedResults) {
   // `far` lies on the same parallel, 78 km east: only the distance tells.
   const _SDatoRiassuntivo at = Rec("", "", 456200000, 92800000), far = Rec("", "", 456200000, 102800000);
   std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &at, &far});
@@ -170,13 +169,6 @@ TEST(SummaryNearest, StrictThresholdAppendedResultsAndPlanarRule) {
     EXPECT_EQ(s->getNearestTracksByHeaversine(45.62, 9.28, c.first, out), static_cast<int>(c.second.size()));
     EXPECT_EQ(out, c.second) << c.first;
   }
-  // The planar search takes raw values times 1e7 as degrees: the record at
-  // 1e-7 degree is "nearest" to latitude 1e7; ties go to the lower position;
-  // without a record the answer is the list's size.
-  const _SDatoRiassuntivo raw1 = Rec("", "", 1, 0);
-  EXPECT_EQ(Summary({&at, &raw1})->GetDatoRiassuntivoNearest(1e7, 0), 1);
-  EXPECT_EQ(Summary({nullptr, &at, &at})->GetDatoRiassuntivoNearest(0, 0), 1);
-  EXPECT_EQ(Summary({nullptr})->GetDatoRiassuntivoNearest(0, 0), 1);
 }
 
 // A date in 2030 or later never counts as newer, except in the extended
@@ -227,18 +219,14 @@ TEST(SummaryFile, SummaryAndCrossIndexBytesNullEntriesSkipped) {
   EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"dev", "idx", "s"}));
 }
 
-// None of these is read, and none blocks (the FIFO) or is loaded (the sparse
-// file larger than any memory).
+// None of these is read, and the FIFO does not block.
 TEST(SummaryFile, BadFilesGiveAnEmptySummaryWithoutAReport) {
   fixtures::TempDir dir;
   fixtures::WriteAll(dir.path() + "129", Bytes(129, 1));
   fixtures::WriteAll(dir.path() + "empty", Bytes());
-  fixtures::WriteAll(dir.path() + "huge", Bytes());
-  ASSERT_EQ(truncate((dir.path() + "huge").c_str(), off_t{1} << 40), 0);
-  ASSERT_EQ(mkdir((dir.path() + "dir").c_str(), 0700), 0);
   ASSERT_EQ(mkfifo((dir.path() + "fifo").c_str(), 0600), 0);
   evtrec::Reset();
-  for (const char* name : {"129", "empty", "missing", "dir", "fifo", "huge"}) {
+  for (const char* name : {"129", "empty", "missing", "fifo"}) {
     const _SDatoRiassuntivo r;
     std::unique_ptr<CFileRiassuntivo> s = Summary({&r});
     s->LeggiRiassuntivo(dir.path() + name);
@@ -304,8 +292,6 @@ TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
       {&IFileRiassuntivo::CreaFileGuidSorted, "AMM", "011", "200"},
   };
   for (const auto& [set, names, i2, i3] : cases) {
-    EXPECT_TRUE((s.get()->*set)(p + "s", "", ""));  // no index asked for
-    EXPECT_EQ(dir.Entries(), std::vector<std::string>{"s"});
     EXPECT_TRUE((s.get()->*set)(p + "s", p + "i2", p + "i3"));
     EXPECT_EQ(read("s", sizeof d) + read("i2", 2) + read("i3", 2), std::string(names) + i2 + i3);
     for (const char* f : {"s", "i2", "i3"}) unlink((p + f).c_str());
@@ -331,7 +317,6 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   // Well-formed sequences at the edges of the ranges, the last up to the end of the name.
   _SDatoRiassuntivo first = Rec("B\xDF\xBF\xE4\xB8\x80\xC3\x89", "FRA");
   const std::string t = dir.path() + "t.txt";
-  evtrec::Reset();
   ASSERT_TRUE(Summary({&r, &first})->CreaFileAlfabSortedConNazioneTestuale(t));
   const Bytes text = ReadAll(t);
   EXPECT_EQ(
@@ -345,40 +330,9 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
           "100%25\xC3\x89%FF%0A%ED%A0%80%F4%90%80%80;ITA;;456200000;92800000;-12000;5793.46;3;2;-1;"
           "0k3f9zq1;4660:0:0:0:0:0:0:1:1:0;7:5:14:30:4:9:1;280;1234;ab" +
           std::string(86, '0') + "\n");
-  // A file that cannot be written is reported; each null record too, and skipped.
-  EXPECT_FALSE(CFileRiassuntivo::ScriviRiassuntivoTestuale({&r}, dir.path() + "no/t.txt"));
+  // Null records are skipped.
   EXPECT_TRUE(CFileRiassuntivo::ScriviRiassuntivoTestuale({nullptr, &first, nullptr, &r}, t));
   EXPECT_EQ(ReadAll(t), text);
-  EXPECT_EQ(evtrec::Events().size(), 3u);
-}
-
-// Each circuit becomes a track file: its shape, a finish line at the first
-// point, its nation (the upper-case country code of its id) and a reference
-// point at the shape's centre. Returns the file name.
-std::string SaveCircuit(const nlohmann::json& feature, const std::string& dir) {
-  const std::string id = feature["properties"]["id"], name = feature["properties"]["Name"];
-  std::vector<_t_s_lla_i> shape;
-  double lat = 0, lon = 0;
-  for (const nlohmann::json& c : feature["geometry"]["coordinates"]) {
-    shape.push_back({ConvertiLatLonAs32(c[1].get<double>()), ConvertiLatLonAs32(c[0].get<double>()), 0});
-    lat += c[1].get<double>() / static_cast<double>(feature["geometry"]["coordinates"].size());
-    lon += c[0].get<double>() / static_cast<double>(feature["geometry"]["coordinates"].size());
-  }
-  std::unique_ptr<IFileTkk> track(IFileTkk::CreateMe(false, false));
-  _STagIndexesVarianteTKK idx;
-  idx.IdxPunti = track->AddTagDatiPuntiTracciato(shape);
-  _STagInfoVarianteTKK_fw fw;
-  memset(fw.NationCode, 0, 8);  // and SubNationCode, left alone by the constructor
-  for (size_t i = 0; i < 2; ++i) fw.NationCode[i] = static_cast<char>(toupper(id[i]));
-  fw.LatRif = ConvertiLatLonAs32(lat);
-  fw.LonRif = ConvertiLatLonAs32(lon);
-  _SDatoCoordinateBeacon finish;
-  finish.LatI = shape[0].LatI;
-  finish.LonI = shape[0].LonI;
-  finish.LarghezzaPista = 12000;
-  fw.InfoBeacons.SetLineeSplitLLH(0, finish, BEACON_SCRUTINEERING);
-  EXPECT_TRUE(track->AddTagInfoVariante(name, name, fw, idx)) << id;
-  return track->SalvaFileInPath(dir, nullptr);
 }
 
 // The circuits go into a summary, written as the four sorted sets and read
@@ -393,11 +347,37 @@ TEST(SummaryF1, CircuitsThroughTheSummary) {
   const nlohmann::json locations = nlohmann::json::parse(std::ifstream(data + "/f1-locations.json"));
   ASSERT_FALSE(locations.empty());
   for (const nlohmann::json& loc : locations) {
+    // A track file of the circuit: its shape, a finish line at the first point, its
+    // nation (the upper-case country code of its id) and a reference point at the shape's centre.
     const std::string id = loc["id"];
-    const nlohmann::json map = nlohmann::json::parse(std::ifstream(data + "/circuits/" + id + ".geojson"));
-    fileOf[id] = SaveCircuit(map["features"][0], dir.path());
-    std::unique_ptr<IFileTkk> track(IFileTkk::CreateMeUponFile(dir.path() + fileOf[id] + ".tkk", true, true));
-    summary.AddVarianteTkk(track.get(), 0);
+    const nlohmann::json feature =
+        nlohmann::json::parse(std::ifstream(data + "/circuits/" + id + ".geojson"))["features"][0];
+    const nlohmann::json& points = feature["geometry"]["coordinates"];
+    std::vector<_t_s_lla_i> shape;
+    double lat = 0, lon = 0;
+    for (const nlohmann::json& c : points) {
+      shape.push_back({ConvertiLatLonAs32(c[1].get<double>()), ConvertiLatLonAs32(c[0].get<double>()), 0});
+      lat += c[1].get<double>() / static_cast<double>(points.size());
+      lon += c[0].get<double>() / static_cast<double>(points.size());
+    }
+    std::unique_ptr<IFileTkk> track(IFileTkk::CreateMe(false, false));
+    _STagIndexesVarianteTKK idx;
+    idx.IdxPunti = track->AddTagDatiPuntiTracciato(shape);
+    _STagInfoVarianteTKK_fw fw;
+    memset(fw.NationCode, 0, 8);  // and SubNationCode, left alone by the constructor
+    for (size_t i = 0; i < 2; ++i) fw.NationCode[i] = static_cast<char>(toupper(id[i]));
+    fw.LatRif = ConvertiLatLonAs32(lat);
+    fw.LonRif = ConvertiLatLonAs32(lon);
+    _SDatoCoordinateBeacon finish;
+    finish.LatI = shape[0].LatI;
+    finish.LonI = shape[0].LonI;
+    finish.LarghezzaPista = 12000;
+    fw.InfoBeacons.SetLineeSplitLLH(0, finish, BEACON_SCRUTINEERING);
+    const std::string name = feature["properties"]["Name"];
+    ASSERT_TRUE(track->AddTagInfoVariante(name, name, fw, idx)) << id;
+    fileOf[id] = track->SalvaFileInPath(dir.path(), nullptr);
+    std::unique_ptr<IFileTkk> saved(IFileTkk::CreateMeUponFile(dir.path() + fileOf[id] + ".tkk", true, true));
+    summary.AddVarianteTkk(saved.get(), 0);
   }
   using Set = bool (IFileRiassuntivo::*)(const std::string&, const std::string&, const std::string&);
   const std::pair<Set, O> sets[] = {
