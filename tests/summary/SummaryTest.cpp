@@ -1,14 +1,19 @@
 // The summary in memory and on disk: orderings, building and editing,
 // nearest searches, comparison rules, and the summary file, cross-index
-// file, sorted sets and text listing byte by byte. One table per rule.
+// file, sorted sets and text listing byte by byte. One table per rule. Then
+// real circuits (read from the shared data set at test time) through it all.
 #include <gtest/gtest.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <fstream>
+#include <map>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <tuple>
 
+#include "Coordinate.h"
 #include "IFileRiassuntivo.h"
 #include "TrackMemoryRecords.h"
 #include "summary/CFileRiassuntivo.h"
@@ -19,15 +24,17 @@
 using fixtures::Bytes;
 using fixtures::ReadAll;
 namespace rs = vektkk::riassunto;
+using O = rs::Ordine;
 
 namespace {
 
-// A record with the fields that the tests look at.
+// A record with the fields that the tests look at; a country of more than 4
+// bytes runs on into State.
 _SDatoRiassuntivo Rec(const char* name, const char* country = "", int32_t lat = 0, int32_t lon = 0,
                       uint64_t guid = 0, const char* file = "aaaaaaaa", uint32_t date = 0) {
   _SDatoRiassuntivo r;
   memcpy(r.Name, name, strnlen(name, sizeof r.Name));
-  memcpy(r.Country, country, strnlen(country, sizeof r.Country));
+  memcpy(reinterpret_cast<char*>(&r) + offsetof(_SDatoRiassuntivo, Country), country, strnlen(country, 8));
   r.RifLat = lat;
   r.RIfLon = lon;
   r.Guid.Valore = guid;
@@ -37,7 +44,7 @@ _SDatoRiassuntivo Rec(const char* name, const char* country = "", int32_t lat = 
 }
 
 // The packed date word of a year (January 1st, midnight).
-uint32_t Year(int year) { return static_cast<uint32_t>(year - 2015) << 26; }
+uint32_t Year(uint32_t year) { return static_cast<uint32_t>(year - 2015) << 26; }
 
 // A summary that owns copies of the records (null pointers stay null).
 std::unique_ptr<CFileRiassuntivo> Summary(std::initializer_list<const _SDatoRiassuntivo*> records) {
@@ -47,73 +54,58 @@ std::unique_ptr<CFileRiassuntivo> Summary(std::initializer_list<const _SDatoRias
   return s;
 }
 
-Bytes BytesOf(std::initializer_list<const _SDatoRiassuntivo*> records) {
-  Bytes out;
-  for (const _SDatoRiassuntivo* r : records)
-    out.insert(out.end(), reinterpret_cast<const unsigned char*>(r),
-               reinterpret_cast<const unsigned char*>(r + 1));
-  return out;
+Bytes BytesOf(const std::vector<_SDatoRiassuntivo>& records) {
+  const auto* p = reinterpret_cast<const unsigned char*>(records.data());
+  return Bytes(p, p + records.size() * sizeof records[0]);
 }
 
-// The five lists of a comparison as (list, file name) pairs, list by list.
-using Pairs = std::vector<std::pair<int, std::string>>;
-const std::string& NameOf(const std::string& name) { return name; }
-const std::string& NameOf(const SPistaEstesa& track) { return track.NomeFileTkk; }
+// The four sorted sets, each with its order and, for the records of the
+// sorted-set test, its records' first letters and its two indexes.
+using Set = bool (IFileRiassuntivo::*)(const std::string&, const std::string&, const std::string&);
+const std::tuple<Set, O, const char*, const char*, const char*> kSets[] = {
+    {&IFileRiassuntivo::CreaFileAlfabSortedSenzaNazione, O::AlfabeticoSenzaNazione, "AMM", "200", "011"},
+    {&IFileRiassuntivo::CreaFileAlfabSortedConNazione, O::AlfabeticoConNazione, "MMA", "002", "110"},
+    {&IFileRiassuntivo::CreaFileLatLonSorted, O::LatLon, "MMA", "110", "110"},
+    {&IFileRiassuntivo::CreaFileGuidSorted, O::Guid, "AMM", "011", "200"}};
+
+// The five lists of a comparison, each entry as its list's number and name.
+std::string NameOf(const std::string& name) { return name; }
+std::string NameOf(const SPistaEstesa& t) {
+  return t.NomeFileTkk + "/" + t.Country + "/" + t.State + "/" + t.Name;
+}
 template <typename Result>
-Pairs Flat(const Result& c) {
-  Pairs out;
+std::string Flat(const Result& c) {
+  std::string out;
   int l = 0;
   for (const auto* list : {&c.PisteUguali, &c.PisteQuiPiuRecenti, &c.PisteAltrovePiuRecenti, &c.PisteSoloQui,
                            &c.PisteSoloAltrove}) {
-    for (const auto& track : *list) out.emplace_back(l, NameOf(track));
+    for (const auto& track : *list) out += std::to_string(l) + NameOf(track) + " ";
     ++l;
   }
   return out;
 }
 
-_SDatoRiassuntivo Full(const char* name, const char* country, const char* state, int32_t lat = 0) {
-  _SDatoRiassuntivo r = Rec(name, country, lat);
-  memcpy(r.State, state, strnlen(state, 4));
-  return r;
-}
-
 TEST(SummaryOrderings, EachRule) {
   const std::string full28(28, 'N');
-  struct Case {
-    const char* what;
-    rs::Ordine order;
-    _SDatoRiassuntivo first, second;
-  } const cases[] = {
-      {"empty country first", rs::Ordine::AlfabeticoConNazione, Rec("Zeta", ""), Rec("Alfa", "AUT")},
-      {"same country, by name", rs::Ordine::AlfabeticoConNazione, Rec("Alfa", "ITA"), Rec("Beta", "ITA")},
-      {"country into state", rs::Ordine::AlfabeticoConNazione, Full("Z", "ITAL", "A"),
-       Full("A", "ITAL", "B")},
-      {"country into latitude", rs::Ordine::AlfabeticoConNazione, Full("Z", "ITAL", "ABCD", 1),
-       Full("A", "ITAL", "ABCD", 2)},
-      {"name into country", rs::Ordine::AlfabeticoSenzaNazione, Full(full28.c_str(), "A", ""),
-       Full(full28.c_str(), "B", "")},
-      {"bytes above 127 after ASCII", rs::Ordine::AlfabeticoSenzaNazione, Rec("zz"), Rec("\xC3\x89tretat")},
-      {"shorter name first", rs::Ordine::AlfabeticoSenzaNazione, Rec("Monza"), Rec("Monza Junior")},
-      {"negative latitude first", rs::Ordine::LatLon, Rec("", "", -1, 9), Rec("", "", 1, -9)},
-      {"then longitude", rs::Ordine::LatLon, Rec("", "", 5, -3), Rec("", "", 5, 2)},
-      {"GUID high word first", rs::Ordine::Guid, Rec("", "", 0, 0, 0x1FFFFFFFFull),
-       Rec("", "", 0, 0, 0x200000000ull)},
-      {"then GUID low word", rs::Ordine::Guid, Rec("", "", 0, 0, 0x300000001ull),
-       Rec("", "", 0, 0, 0x300000002ull)},
+  const std::tuple<const char*, O, _SDatoRiassuntivo, _SDatoRiassuntivo> cases[] = {
+      {"empty country first", O::AlfabeticoConNazione, Rec("Zeta", ""), Rec("Alfa", "AUT")},
+      {"same country, by name", O::AlfabeticoConNazione, Rec("Alfa", "ITA"), Rec("Beta", "ITA")},
+      {"country into state", O::AlfabeticoConNazione, Rec("Z", "ITALA"), Rec("A", "ITALB")},
+      {"name into country", O::AlfabeticoSenzaNazione, Rec(full28.c_str(), "A"), Rec(full28.c_str(), "B")},
+      {"bytes above 127 after ASCII", O::AlfabeticoSenzaNazione, Rec("zz"), Rec("\xC3\x89tretat")},
+      {"shorter name first", O::AlfabeticoSenzaNazione, Rec("Monza"), Rec("Monza Junior")},
+      {"negative latitude first", O::LatLon, Rec("", "", -1, 9), Rec("", "", 1, -9)},
+      {"then longitude", O::LatLon, Rec("", "", 5, -3), Rec("", "", 5, 2)},
+      {"GUID high word first", O::Guid, Rec("", "", 0, 0, 0x1FFFFFFFFull), Rec("", "", 0, 0, 0x200000000ull)},
+      {"then GUID low word", O::Guid, Rec("", "", 0, 0, 0x300000001ull), Rec("", "", 0, 0, 0x300000002ull)},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    EXPECT_TRUE(rs::Precede(c.order, c.first, c.second));
-    EXPECT_FALSE(rs::Precede(c.order, c.second, c.first));
-    _SDatoRiassuntivo a = c.first, b = c.second;
-    EXPECT_EQ(rs::Ordina({&b, &a, nullptr}, c.order), (std::vector<uint32_t>{1, 0, 2}));
+  for (const auto& [what, order, first, second] : cases) {
+    SCOPED_TRACE(what);
+    EXPECT_TRUE(rs::Precede(order, first, second));
+    EXPECT_FALSE(rs::Precede(order, second, first));
+    _SDatoRiassuntivo a = first, b = second;
+    EXPECT_EQ(rs::Ordina({&b, &a, nullptr}, order), (std::vector<uint32_t>{1, 0, 2}));
   }
-  // Strings without a zero byte up to the end of the record stop there.
-  _SDatoRiassuntivo ff;
-  memset(static_cast<void*>(&ff), 0xFF, sizeof ff);
-  const _SDatoRiassuntivo gg = ff;
-  for (rs::Ordine o : {rs::Ordine::AlfabeticoConNazione, rs::Ordine::AlfabeticoSenzaNazione})
-    EXPECT_FALSE(rs::Precede(o, ff, gg) || rs::Precede(o, gg, ff));
 }
 
 TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
@@ -151,13 +143,9 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
 // names of a and b start their search at the same slot of the table of names.
 TEST(SummaryEdit, DeleteAndFindByFileName) {
   const _SDatoRiassuntivo a = Rec(""), b = Rec("", "", 0, 0, 0, "bbbbbc9e"), zero = Rec("", "", 0, 0, 0, "");
-  const std::pair<std::vector<std::string>, std::string> cases[] = {{{"aaaaaaaa"}, "b0"},
-                                                                    {{"aaaaaaaa.tkk"}, "b0"},
-                                                                    {{"abc"}, "abaa"},
-                                                                    {{""}, "abaa"},
-                                                                    {{"cccccccc"}, "ab0aa"},
-                                                                    {{"bbbbbc9e", "aaaaaaaa"}, "0"},
-                                                                    {{"aaaaaaaa", "x", "", "bbbbbc9e"}, ""}};
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{"aaaaaaaa"}, "b0"},    {{"aaaaaaaa.tkk"}, "b0"},        {{"abc"}, "abaa"},
+      {{"cccccccc"}, "ab0aa"}, {{"bbbbbc9e", "aaaaaaaa"}, "0"}, {{"aaaaaaaa", "x", "", "bbbbbc9e"}, ""}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.first[0] + " ... " + c.first.back());
     std::unique_ptr<CFileRiassuntivo> s = Summary({&a, &b, &zero, &a, &a});
@@ -167,7 +155,7 @@ TEST(SummaryEdit, DeleteAndFindByFileName) {
       EXPECT_FALSE(s->IsThisFileTkkHere(name));
     }
     EXPECT_EQ(s->GetNumRiassuntivi(), static_cast<int>(c.second.size()));  // before the removals are applied
-    std::vector<const _SDatoRiassuntivo*> left;
+    std::vector<const _SDatoRiassuntivo*> left(2, &a);                     // emptied first
     s->GetDatiRiassuntivi(left);
     std::string files;
     for (const _SDatoRiassuntivo* r : left) files += r->FileName[0] != 0 ? r->FileName[0] : '0';
@@ -177,113 +165,74 @@ TEST(SummaryEdit, DeleteAndFindByFileName) {
   EXPECT_EQ(empty.DelFileTkk("aaaaaaaa") + empty.IsThisFileTkkHere("aaaaaaaa"), 0);
 }
 
-TEST(SummaryEdit, GuidAndVariantFinders) {
-  _SDatoRiassuntivo r = Rec("", "", 0, 0, 0x0000123456789ABCull);
-  r.VariantIdx = -1;
-  _UGuidTkk other = r.Guid;
-  other.Valore ^= 1ull << 40;                                                   // high word differs
-  EXPECT_TRUE(rs::STrovaGuidTkk(r.Guid)(&r) && rs::STrovaIdxVariante(-1)(&r));  // the index sign-extended
-  EXPECT_FALSE(rs::STrovaGuidTkk(other)(&r) || rs::STrovaIdxVariante(0xFFFF)(&r));
-  EXPECT_FALSE(rs::STrovaGuidTkk(r.Guid)(nullptr) || rs::STrovaIdxVariante(0)(nullptr));
-}
-
 // A record at the query point is 0 m away: a maxDist of 0 leaves it out.
 // Results are appended to what the vector holds.
-TEST(SummaryNearest, StrictThresholdAppendedResultsAndPlanarRule) {
+TEST(SummaryNearest, StrictThresholdAndAppendedResults) {
   // `far` lies on the same parallel, 78 km east: only the distance tells.
   const _SDatoRiassuntivo at = Rec("", "", 456200000, 92800000), far = Rec("", "", 456200000, 102800000);
   std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &at, &far});
   const std::pair<int, std::vector<int>> cases[] = {
-      {1, {7, 1}}, {0, {7}}, {-5, {7}}, {77000, {7, 1}}, {79000, {7, 1, 2}}, {20000000, {7, 1, 2}}};
+      {1, {7, 1}}, {0, {7}}, {77000, {7, 1}}, {79000, {7, 1, 2}}};
   for (const auto& c : cases) {
     std::vector<int> out{7};
     EXPECT_EQ(s->getNearestTracksByHeaversine(45.62, 9.28, c.first, out), static_cast<int>(c.second.size()));
     EXPECT_EQ(out, c.second) << c.first;
   }
-  // The planar search takes raw values times 1e7 as degrees: the record at
-  // 1e-7 degree is "nearest" to latitude 1e7; ties go to the lower position;
-  // without a record the answer is the list's size.
-  const _SDatoRiassuntivo raw1 = Rec("", "", 1, 0);
-  EXPECT_EQ(Summary({&at, &raw1})->GetDatoRiassuntivoNearest(1e7, 0), 1);
-  EXPECT_EQ(Summary({nullptr, &at, &at})->GetDatoRiassuntivoNearest(0, 0), 1);
-  EXPECT_EQ(Summary({nullptr})->GetDatoRiassuntivoNearest(0, 0), 1);
 }
 
 // A date in 2030 or later never counts as newer, except in the extended
 // comparison, which compares the date words alone.
 TEST(SummaryCompare, Rules) {
-  // Dates here and there (0: the same record; 1: only Dummy differs), then the
+  // Years here and there (0: the same record; 1: only Dummy differs), then the
   // list of each comparison (0 equal, 1 newer here, 2 newer elsewhere).
-  struct Case {
-    const char* what;
-    uint32_t here, there;
-    int basic, extended;
-  } const cases[] = {
-      {"identical", 0, 0, 0, 0},
-      {"2031 against 2020", Year(2031), Year(2020), 2, 1},
-      {"2030 against 2020", Year(2030), Year(2020), 2, 1},
-      {"2020 against 2030", Year(2020), Year(2030), 1, 2},
-      {"2029 against 2020", Year(2029), Year(2020), 1, 1},
-      {"2020 against 2029", Year(2020), Year(2029), 2, 2},
-      {"equal dates, Dummy differs", Year(2020), 1, 2, 2},
-  };
+  const uint32_t cases[][4] = {{0, 0, 0, 0},       {2031, 2020, 2, 1}, {2030, 2020, 2, 1}, {2020, 2030, 1, 2},
+                               {2029, 2020, 1, 1}, {2020, 2029, 2, 2}, {2020, 1, 2, 2}};
   _SDatoRiassuntivo onlyHere = Rec("H", "", 0, 0, 0, "hhhhhhhh"),
                     onlyThere = Rec("E", "FRA", 0, 0, 0, "eeeeeeee");
   memcpy(onlyThere.State, "BY", 2);
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    _SDatoRiassuntivo l = Rec("T", "ITA", 0, 0, 0, "tttttttt", c.here), r = l;
-    if (c.there == 1)
+  for (const auto& [hereYear, thereYear, basicList, extendedList] : cases) {
+    SCOPED_TRACE(testing::Message() << hereYear << " against " << thereYear);
+    _SDatoRiassuntivo l = Rec("T", "ITA", 0, 0, 0, "tttttttt", hereYear != 0 ? Year(hereYear) : 0), r = l;
+    if (thereYear == 1)
       r.Dummy[0] = 1;
-    else if (c.there != 0)
-      r.Date.Valore = c.there;
+    else if (thereYear != 0)
+      r.Date.Valore = Year(thereYear);
     std::unique_ptr<CFileRiassuntivo> here = Summary({&l, &onlyHere}), there = Summary({&onlyThere, &r});
     SConfrontoPiste basic;
     SConfrontoPisteEsteso ext;
     EXPECT_TRUE(here->ConfrontaConAltro(*there, basic) && here->ConfrontaConAltroEsteso(*there, ext));
-    EXPECT_EQ(Flat(basic), (Pairs{{c.basic, "tttttttt"}, {3, "hhhhhhhh"}, {4, "eeeeeeee"}}));
-    EXPECT_EQ(Flat(ext), (Pairs{{c.extended, "tttttttt"}, {3, "hhhhhhhh"}, {4, "eeeeeeee"}}));
+    EXPECT_EQ(Flat(basic), std::to_string(basicList) + "tttttttt 3hhhhhhhh 4eeeeeeee ");
     // Lists 1 to 4 carry this side's record, list 5 the other side's.
-    const SPistaEstesa& mine = c.extended == 0   ? ext.PisteUguali[0]
-                               : c.extended == 1 ? ext.PisteQuiPiuRecenti[0]
-                                                 : ext.PisteAltrovePiuRecenti[0];
-    const SPistaEstesa& theirs = ext.PisteSoloAltrove[0];
-    EXPECT_EQ(std::string(mine.Country) + mine.Name, "ITAT");
-    EXPECT_EQ(std::string(theirs.Country) + "/" + theirs.State + "/" + theirs.Name, "FRA/BY/E");
+    EXPECT_EQ(Flat(ext), std::to_string(extendedList) + "tttttttt/ITA//T 3hhhhhhhh///H 4eeeeeeee/FRA/BY/E ");
   }
 }
 
-TEST(SummaryFile, NullEntriesAreSkippedAndRecordsReadBackUnchanged) {
+// Cross-index positions count b's null entry; duplicates map to the first;
+// an empty a writes no file. Files that are not whole records, or no files,
+// are not read (and the FIFO does not block).
+TEST(SummaryFile, SummaryAndCrossIndexBytesNullEntriesSkippedBadFilesNotRead) {
   fixtures::TempDir dir;
   _SDatoRiassuntivo a = Rec("Alfa"), b = Rec("Beta", "ITA", -5, 7, 9, "0k3f9zq1", 3);
   b.Dummy[43] = 0xEE;  // kept as it is, also on the way back
   CFileRiassuntivo::ScriviRiassuntivo({nullptr, &a, nullptr, &b}, dir.path() + "s");
-  EXPECT_EQ(ReadAll(dir.path() + "s"), BytesOf({&a, &b}));
+  EXPECT_EQ(ReadAll(dir.path() + "s"), BytesOf({a, b}));
   std::unique_ptr<IFileRiassuntivo> s(IFileRiassuntivo::CreateMeUponFile(dir.path() + "s"));
-  ASSERT_EQ(s->GetNumRiassuntivi(), 2);
   EXPECT_TRUE(s->SalvaFileDev(dir.path() + "dev"));
-  EXPECT_EQ(ReadAll(dir.path() + "dev"), BytesOf({&a, &b}));
+  EXPECT_EQ(ReadAll(dir.path() + "dev"), BytesOf({a, b}));
   CFileRiassuntivo::ScriviRiassuntivo({}, dir.path() + "s");  // truncated, not removed
-  EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"dev", "s"}));
   EXPECT_TRUE(ReadAll(dir.path() + "s").empty());
-}
-
-// None of these is read, and none blocks (the FIFO) or is loaded (the sparse
-// file larger than any memory).
-TEST(SummaryFile, BadFilesGiveAnEmptySummaryWithoutAReport) {
-  fixtures::TempDir dir;
+  _SDatoRiassuntivo x = Rec("X"), y = Rec("Y"), x2 = x, x3 = x;
+  CFileRiassuntivo::CalcolaAndScriviIdx({&x, &a, &x2}, {nullptr, &y, &x2, &x3}, dir.path() + "idx");
+  EXPECT_EQ(ReadAll(dir.path() + "idx"), (Bytes{2, 0, 0xFF, 0xFF, 2, 0}));
+  CFileRiassuntivo::CalcolaAndScriviIdx({}, {&x}, dir.path() + "none");
+  EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"dev", "idx", "s"}));
   fixtures::WriteAll(dir.path() + "129", Bytes(129, 1));
-  fixtures::WriteAll(dir.path() + "empty", Bytes());
-  fixtures::WriteAll(dir.path() + "huge", Bytes());
-  ASSERT_EQ(truncate((dir.path() + "huge").c_str(), off_t{1} << 40), 0);
-  ASSERT_EQ(mkdir((dir.path() + "dir").c_str(), 0700), 0);
   ASSERT_EQ(mkfifo((dir.path() + "fifo").c_str(), 0600), 0);
   evtrec::Reset();
-  for (const char* name : {"129", "empty", "missing", "dir", "fifo", "huge"}) {
-    const _SDatoRiassuntivo r;
-    std::unique_ptr<CFileRiassuntivo> s = Summary({&r});
-    s->LeggiRiassuntivo(dir.path() + name);
-    EXPECT_EQ(s->GetNumRiassuntivi(), 0) << name;
+  for (const char* name : {"129", "s", "missing", "fifo"}) {  // "s" is empty
+    std::unique_ptr<CFileRiassuntivo> bad = Summary({&a});
+    bad->LeggiRiassuntivo(dir.path() + name);
+    EXPECT_EQ(bad->GetNumRiassuntivi(), 0) << name;
   }
   EXPECT_TRUE(evtrec::Events().empty());
 }
@@ -295,12 +244,14 @@ TEST(SummaryFile, CutAndFlippedFilesReadAndWork) {
   fixtures::TempDir dir;
   const _SDatoRiassuntivo a = Rec("Alfa", "ITA", 456200000, 92800000, 5, "0k3f9zq1", Year(2020)),
                           b = Rec("Beta", "", -5, 7, 9, "0k3f9zq2", 3);
-  const Bytes golden = BytesOf({&a, &b, &a});
+  const Bytes golden = BytesOf({a, b, a});
   const std::string p = dir.path() + "s";
   auto Try = [&](const Bytes& bytes, size_t records) {
     fixtures::WriteAll(p, bytes);
     std::unique_ptr<IFileRiassuntivo> s(IFileRiassuntivo::CreateMeUponFile(p));
     ASSERT_EQ(static_cast<size_t>(s->GetNumRiassuntivi()), records) << bytes.size();
+    const _SDatoRiassuntivo* r = &a;  // the accessor stays in the list
+    EXPECT_FALSE(s->GetDatoRiassuntivo(r, static_cast<int>(records)) || s->GetDatoRiassuntivo(r, -1) || r);
     std::vector<int> near;
     s->getNearestTracksByHeaversine(45.62, 9.28, 100000, near);
     s->GetDatoRiassuntivoNearest(45.62, 9.28);
@@ -320,77 +271,24 @@ TEST(SummaryFile, CutAndFlippedFilesReadAndWork) {
   }
 }
 
-TEST(SummaryFile, AccessorsStayInTheListAndDirectoriesAreNotRead) {
-  const _SDatoRiassuntivo a = Rec("A");
-  std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &a});
-  for (int idx : {-1, 0, 1, 2}) {
-    const _SDatoRiassuntivo* out = &a;
-    EXPECT_EQ(s->GetDatoRiassuntivo(out, idx), idx == 0 || idx == 1) << idx;
-    EXPECT_EQ(out, idx == 1 ? s->Lista()[1] : nullptr) << idx;
-  }
-  std::vector<const _SDatoRiassuntivo*> all(3, &a);
-  s->GetDatiRiassuntivi(all);
-  EXPECT_EQ(all, (std::vector<const _SDatoRiassuntivo*>{nullptr, s->Lista()[1]}));
-  EXPECT_FALSE(s->AddFromDir("/") || s->CreaDaDirettorio("/") || s->AggiungiDaDirettorio("/"));
-  EXPECT_EQ(std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMeUponDir("/"))->GetNumRiassuntivi(),
-            0);
-}
-
-// Positions count b's null entry; duplicates map to the first; an empty a
-// writes no file.
-TEST(SummaryFile, CrossIndexBytes) {
-  fixtures::TempDir dir;
-  _SDatoRiassuntivo x = Rec("X"), y = Rec("Y"), absent = Rec("Z"), x2 = x, x3 = x;
-  CFileRiassuntivo::CalcolaAndScriviIdx({&x, &absent, &x2}, {nullptr, &y, &x2, &x3}, dir.path() + "idx");
-  EXPECT_EQ(ReadAll(dir.path() + "idx"), (Bytes{2, 0, 0xFF, 0xFF, 2, 0}));
-  CFileRiassuntivo::CalcolaAndScriviIdx({}, {&x}, dir.path() + "none");
-  EXPECT_EQ(dir.Entries(), std::vector<std::string>{"idx"});
-  // Positions are 16 bits: past 65535 they wrap, and 65535 itself reads as absent.
-  std::vector<_SDatoRiassuntivo> many(70000);
-  std::vector<_SDatoRiassuntivo*> b;
-  for (_SDatoRiassuntivo& r : many) {
-    r.RifLat = static_cast<int32_t>(b.size());
-    b.push_back(&r);
-  }
-  CFileRiassuntivo::CalcolaAndScriviIdx({b[65540], &absent, b[65535], b[3]}, b, dir.path() + "idx");
-  EXPECT_EQ(ReadAll(dir.path() + "idx"), (Bytes{4, 0, 0xFF, 0xFF, 0xFF, 0xFF, 3, 0}));
-}
-
+// Each set written as its records (here by the first letter of their names)
+// and two indexes (positions in the other orders, one digit each).
 TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
   fixtures::TempDir dir;
   const std::string p = dir.path();
   // d twice (byte-identical), e once; orders: name e<d, lat d<e, GUID e<d, country d<e.
   const _SDatoRiassuntivo d = Rec("Monza", "FRA", 5, 0, 2), e = Rec("Adria", "ITA", 10, 0, 1);
   std::unique_ptr<CFileRiassuntivo> s = Summary({&d, &e, &d});
-  CFileRiassuntivo empty;
-  using Set = bool (IFileRiassuntivo::*)(const std::string&, const std::string&, const std::string&);
-  struct Case {
-    Set set;
-    Bytes file, i2, i3;
-  } const cases[] = {
-      {&IFileRiassuntivo::CreaFileAlfabSortedSenzaNazione,
-       BytesOf({&e, &d, &d}),
-       {2, 0, 0, 0, 0, 0},
-       {0, 0, 1, 0, 1, 0}},
-      {&IFileRiassuntivo::CreaFileAlfabSortedConNazione,
-       BytesOf({&d, &d, &e}),
-       {0, 0, 0, 0, 2, 0},
-       {1, 0, 1, 0, 0, 0}},
-      {&IFileRiassuntivo::CreaFileLatLonSorted,
-       BytesOf({&d, &d, &e}),
-       {1, 0, 1, 0, 0, 0},
-       {1, 0, 1, 0, 0, 0}},
-      {&IFileRiassuntivo::CreaFileGuidSorted, BytesOf({&e, &d, &d}), {0, 0, 1, 0, 1, 0}, {2, 0, 0, 0, 0, 0}},
+  const auto read = [&p](const char* file, size_t step) {
+    std::string out;
+    const Bytes bytes = ReadAll(p + file);
+    for (size_t i = 0; i < bytes.size(); i += step)
+      out += step == 2 ? char('0' + bytes[i] + 256 * bytes[i + 1]) : char(bytes[i]);
+    return out;
   };
-  for (const Case& c : cases) {
-    EXPECT_FALSE((empty.*c.set)(p + "s", p + "i2", p + "i3"));
-    EXPECT_TRUE(dir.Entries().empty());
-    EXPECT_TRUE((s.get()->*c.set)(p + "s", "", ""));  // no index asked for
-    EXPECT_EQ(dir.Entries(), std::vector<std::string>{"s"});
-    EXPECT_TRUE((s.get()->*c.set)(p + "s", p + "i2", p + "i3"));
-    EXPECT_EQ(ReadAll(p + "s"), c.file);
-    EXPECT_EQ(ReadAll(p + "i2"), c.i2);
-    EXPECT_EQ(ReadAll(p + "i3"), c.i3);
+  for (const auto& [set, order, names, i2, i3] : kSets) {
+    EXPECT_TRUE((s.get()->*set)(p + "s", p + "i2", p + "i3"));
+    EXPECT_EQ(read("s", sizeof d) + read("i2", 2) + read("i3", 2), std::string(names) + i2 + i3);
     for (const char* f : {"s", "i2", "i3"}) unlink((p + f).c_str());
   }
 }
@@ -408,33 +306,88 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   r.BeaconNumber = 3;
   r.BeaconType = 2;
   r.VariantIdx = -1;
-  r.OffsetFw = 280;
-  r.OffsetPti = 1234;
   r.Dummy[0] = 0xAB;
-  _SDatoRiassuntivo first = Rec("B\xC3\x89", "FRA");  // a character up to the end of the field
+  // Well-formed sequences at the edges of the ranges, the last up to the end of the name.
+  _SDatoRiassuntivo first = Rec("B\xDF\xBF\xE4\xB8\x80\xC3\x89", "FRA");
   const std::string t = dir.path() + "t.txt";
-  evtrec::Reset();
   ASSERT_TRUE(Summary({&r, &first})->CreaFileAlfabSortedConNazioneTestuale(t));
   const Bytes text = ReadAll(t);
   EXPECT_EQ(
       std::string(text.begin(), text.end()),
       "Name;Country;State;RifLat;RIfLon;RifAlt;Length;BeaconNumber;BeaconType;VariantIdx;FileName;Guid;Date;"
-      "OffsetFw;OffsetPti;Dummy\nB\xC3\x89;FRA;;0;0;0;0.00;0;1;0;aaaaaaaa;0:0:0:0:0:0:0:0:0:0;0:0:0:0:0:0:0;"
+      "OffsetFw;OffsetPti;Dummy\nB\xDF\xBF\xE4\xB8\x80\xC3\x89;FRA;;0;0;0;0.00;0;1;0;aaaaaaaa;0:0:0:0:0:0:0:"
+      "0:0:0;0:0:0:0:0:0:0;"
       "0;0;" +
           std::string(88, '0') +
           "\nMon%3Bza "
           "100%25\xC3\x89%FF%0A%ED%A0%80%F4%90%80%80;ITA;;456200000;92800000;-12000;5793.46;3;2;-1;"
-          "0k3f9zq1;4660:0:0:0:0:0:0:1:1:0;7:5:14:30:4:9:1;280;1234;ab" +
+          "0k3f9zq1;4660:0:0:0:0:0:0:1:1:0;7:5:14:30:4:9:1;0;0;ab" +
           std::string(86, '0') + "\n");
-  // A file that cannot be written is reported; each null record too, and skipped.
-  EXPECT_FALSE(CFileRiassuntivo::ScriviRiassuntivoTestuale({&r}, dir.path() + "no/t.txt"));
+  // Null records are skipped.
   EXPECT_TRUE(CFileRiassuntivo::ScriviRiassuntivoTestuale({nullptr, &first, nullptr, &r}, t));
   EXPECT_EQ(ReadAll(t), text);
-  ASSERT_EQ(evtrec::Events().size(), 3u);
-  EXPECT_EQ(evtrec::Events()[0].severity, "ERROR");
-  EXPECT_EQ(evtrec::Events()[0].Message(), "file " + dir.path() + "no/t.txt is already open");
-  EXPECT_EQ(evtrec::Events()[1].Message() + evtrec::Events()[2].Message(),
-            "pvar empty pointerpvar empty pointer");
+}
+
+// The circuits go into a summary, written as the four sorted sets and read
+// back in order; the haversine search finds each from its published location.
+TEST(SummaryF1, CircuitsThroughTheSummary) {
+  const std::string data = VEKTKK_F1_DATA_DIR;
+  if (access((data + "/f1-locations.json").c_str(), R_OK) != 0)
+    GTEST_SKIP() << "no f1 circuit outlines at " << data << " (set VEKTKK_F1_DATA)";
+  fixtures::TempDir dir;
+  std::map<std::string, std::string> fileOf;  // circuit id -> track file name
+  CFileRiassuntivo summary;
+  const nlohmann::json locations = nlohmann::json::parse(std::ifstream(data + "/f1-locations.json"));
+  ASSERT_FALSE(locations.empty());
+  for (const nlohmann::json& loc : locations) {
+    // A track file of the circuit: its shape, a finish line at the first point, its
+    // nation (the upper-case country code of its id) and a reference point at the shape's centre.
+    const std::string id = loc["id"];
+    const nlohmann::json feature =
+        nlohmann::json::parse(std::ifstream(data + "/circuits/" + id + ".geojson"))["features"][0];
+    const nlohmann::json& points = feature["geometry"]["coordinates"];
+    std::vector<_t_s_lla_i> shape;
+    double lat = 0, lon = 0;
+    for (const nlohmann::json& c : points) {
+      shape.push_back({ConvertiLatLonAs32(c[1].get<double>()), ConvertiLatLonAs32(c[0].get<double>()), 0});
+      lat += c[1].get<double>() / static_cast<double>(points.size());
+      lon += c[0].get<double>() / static_cast<double>(points.size());
+    }
+    std::unique_ptr<IFileTkk> track(IFileTkk::CreateMe(false, false));
+    _STagIndexesVarianteTKK idx;
+    idx.IdxPunti = track->AddTagDatiPuntiTracciato(shape);
+    _STagInfoVarianteTKK_fw fw;
+    memset(fw.NationCode, 0, 8);  // and SubNationCode, left alone by the constructor
+    for (size_t i = 0; i < 2; ++i) fw.NationCode[i] = static_cast<char>(toupper(id[i]));
+    fw.LatRif = ConvertiLatLonAs32(lat);
+    fw.LonRif = ConvertiLatLonAs32(lon);
+    _SDatoCoordinateBeacon finish;
+    finish.LatI = shape[0].LatI;
+    finish.LonI = shape[0].LonI;
+    finish.LarghezzaPista = 12000;
+    fw.InfoBeacons.SetLineeSplitLLH(0, finish, BEACON_SCRUTINEERING);
+    const std::string name = feature["properties"]["Name"];
+    ASSERT_TRUE(track->AddTagInfoVariante(name, name, fw, idx)) << id;
+    fileOf[id] = track->SalvaFileInPath(dir.path(), nullptr);
+    std::unique_ptr<IFileTkk> saved(IFileTkk::CreateMeUponFile(dir.path() + fileOf[id] + ".tkk", true, true));
+    summary.AddVarianteTkk(saved.get(), 0);
+  }
+  for (const auto& [set, order, letters, i2, i3] : kSets) {
+    ASSERT_TRUE((summary.*set)(dir.path() + "set", "", ""));
+    std::vector<const _SDatoRiassuntivo*> records;
+    std::unique_ptr<IFileRiassuntivo> back(IFileRiassuntivo::CreateMeUponFile(dir.path() + "set"));
+    back->GetDatiRiassuntivi(records);
+    ASSERT_EQ(records.size(), locations.size());
+    for (size_t i = 1; i < records.size(); ++i)
+      EXPECT_FALSE(rs::Precede(order, *records[i], *records[i - 1]));
+  }
+  for (const nlohmann::json& loc : locations) {
+    std::vector<int> found;
+    summary.getNearestTracksByHeaversine(loc["lat"].get<double>(), loc["lon"].get<double>(), 5000, found);
+    EXPECT_TRUE(std::any_of(found.begin(), found.end(), [&](int i) {
+      return summary.Lista()[static_cast<size_t>(i)]->GetNomeFile() == fileOf[loc["id"]];
+    })) << loc["id"];
+  }
 }
 
 }  // namespace

@@ -1,0 +1,405 @@
+// The tool's logic in-process: geodesy and projection, reading maps, building
+// tracks from them, summaries as the tool builds, searches, compares and
+// shows them, and what the binary runs cannot show cheaply of the exports,
+// pictures and checks.
+#include <gtest/gtest.h>
+#include <math.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <tuple>
+
+#include "BadInput.h"
+#include "Catalogue.h"
+#include "Export.h"
+#include "Geodesy.h"
+#include "Import.h"
+#include "NearestTracks.h"
+#include "Projection.h"
+#include "Render.h"
+#include "Report.h"
+#include "StagedFolder.h"
+#include "SummaryBuild.h"
+#include "SummaryDiff.h"
+#include "SummaryRecords.h"
+#include "TrackBuilder.h"
+#include "TrackReader.h"
+#include "Vocabulary.h"
+
+namespace tkk {
+namespace {
+
+// A rough 1.2 km loop near Imola, starting west-bound, and a shorter one.
+const Circuit kTwoLayouts{
+    "Circuito di prova",
+    "",
+    "",
+    {{"Lungo", {{44.340, 11.716}, {44.340, 11.712}, {44.343, 11.712}, {44.343, 11.716}}},
+     {"", {{44.340, 11.716}, {44.341, 11.712}, {44.342, 11.716}}}}};
+
+const Circuit kSample{"Sample & <Co>",
+                      "GB",
+                      "",
+                      {{"GP", {{52.07, -1.02, 150.0}, {52.07, -1.01}, {52.08, -1.01}, {52.08, -1.02}}},
+                       {"National", {{52.07, -1.02}, {52.075, -1.01}, {52.08, -1.02}}}}};
+
+// A square of about 1 km by 1 km at latitude `lat`, drawn counter-clockwise
+// from its south-west corner.
+std::vector<GeoPoint> Square(double lat, double lon) {
+  const double dLat = 1000.0 / kEarthRadiusM / kDegToRad, dLon = dLat / cos(lat * kDegToRad);
+  return {{lat, lon}, {lat, lon + dLon}, {lat + dLat, lon + dLon}, {lat + dLat, lon}};
+}
+
+// What a map document reads as: the site, its nation and each layout with
+// its point count and first point; or the message of the bad input.
+std::string Read(const std::string& doc) {
+  try {
+    const Circuit c = doc[0] == '<' ? ParseGpx(doc, "x") : ParseGeoJson(doc, "x");
+    std::ostringstream out;
+    out.precision(10);
+    out << c.name << "/" << c.nation;
+    for (const Layout& l : c.layouts)
+      out << " " << l.name << ":" << l.points.size() << "@" << l.points[0].lat << "," << l.points[0].lon
+          << "," << l.points[0].alt;
+    return out.str();
+  } catch (const BadInput& e) {
+    return e.what();
+  }
+}
+
+// Forty extra points along the south side pull the mean of the points
+// south, not the centroid of the outline.
+TEST(Geodesy, CentroidIgnoresHowDenselyASideWasDrawn) {
+  std::vector<GeoPoint> square = Square(60.0, 10.0), dense(1, square[0]);
+  for (int i = 1; i <= 40; ++i)
+    dense.push_back({square[0].lat, square[0].lon + (square[1].lon - square[0].lon) * i / 41.0});
+  dense.insert(dense.end(), square.begin() + 1, square.end());
+  const GeoPoint centre = Centroid(square);
+  EXPECT_NEAR(HaversineM(Centroid(dense), centre), 0.0, 0.5);
+  EXPECT_NEAR(HaversineM(centre, square[0]), 707.0, 2.0);
+  EXPECT_DOUBLE_EQ(Centroid({{1.0, 2.0, 3.0}, {1.0, 2.0, 5.0}}).alt, 4.0);  // no length: the mean
+  for (GeoPoint& p : square) p.alt = 100.0;
+  EXPECT_NEAR(Centroid(square).alt, 100.0, 1e-9);
+}
+
+TEST(Geodesy, DistancesOnTheLibrarysSphereAndCrossLinesAcrossTheDirectionOfTravel) {
+  EXPECT_NEAR(HaversineM({45.0, 9.0}, {46.0, 9.0}), kEarthRadiusM * kDegToRad, 1e-6);
+  EXPECT_NEAR(HaversineM({0.0, 179.5}, {0.0, -179.5}), kEarthRadiusM * kDegToRad, 1e-6);
+  std::vector<GeoPoint> square = Square(52.0, -1.0);
+  const double open = ClosedLengthM(square);
+  EXPECT_NEAR(open, 4000.0, 1.0);
+  square.push_back(square.front());  // already closed: no extra segment
+  EXPECT_NEAR(ClosedLengthM(square), open, 1e-9);
+  square = Square(45.0, 7.0);
+  EXPECT_NEAR(TravelBearingDeg(square, square[3]), 180.0, 0.1);  // the last continues with the first
+  square.insert(square.begin(), square.front());  // east along the south side, after a repeated point
+  EXPECT_NEAR(TravelBearingDeg(square, square[0]), 90.0, 0.1);
+  const Segment line = CrossLine(square, square[0], 12.0);
+  EXPECT_NEAR(HaversineM(line.a, line.b), 12.0, 1e-6);
+  EXPECT_NEAR(BearingDeg(line.a, line.b), 180.0, 0.1);  // from the left of eastbound: south
+  EXPECT_NEAR(HaversineM(line.a, square[0]), 6.0, 1e-6);
+  const GeoPoint there = Destination({45.0, 7.0}, 123.0, 2500.0);
+  EXPECT_NEAR(HaversineM({45.0, 7.0}, there), 2500.0, 1e-6);
+  EXPECT_NEAR(BearingDeg({45.0, 7.0}, there), 123.0, 1e-6);
+}
+
+TEST(Projection, KeepsShapeAndScaleFarFromTheEquator) {
+  for (double lat : {0.0, 45.0, 70.0}) {
+    const std::vector<GeoPoint> square = Square(lat, 20.0);
+    const AzimuthalEquidistant projection(square[0]);
+    const XY east = projection.Project(square[1]), north = projection.Project(square[3]);
+    EXPECT_NEAR(east.x, 1000.0, 0.5) << lat;
+    EXPECT_NEAR(east.y, 0.0, 15.0) << lat;  // a parallel is not a great circle
+    EXPECT_NEAR(north.x, 0.0, 1e-6) << lat;
+    EXPECT_NEAR(north.y, 1000.0, 1e-6) << lat;
+  }
+}
+
+// Documents starting with "<" are read as GPX, the others as GeoJSON. The
+// export round trip shows the usual documents; here the other shapes (GPX
+// routes count only in a file without tracks). The bad inputs that the
+// binary runs show are not repeated.
+TEST(Import, DocumentsReadAsLayoutsOrNameTheProblem) {
+  const std::pair<const char*, const char*> cases[] = {
+      {R"({"type": "Feature", "properties": {"Name": "Junior"}, "geometry": {"type": "MultiLineString",
+        "coordinates": [[[9.1, 45.1, 7], [9.2, 45.2]], [[9, 45], [8, 44]]]}})",
+       "Junior/ Junior:2@45.1,9.1,7 Junior:2@45,9,0"},
+      {R"(<gpx><rte><name>R</name><rtept lat="1" lon="1"/><rtept lat="2" lon="2"/></rte></gpx>)",
+       "R/ R:2@1,1,0"},
+      {R"({"type": "LineString", "coordinates": [[1, 2, 0], [3, 4, -2147483.648]]})",
+       "x, LineString 1, point 2: altitude out of range"},
+      {R"({"type": "LineString", "coordinates": [[1, 2]]})",
+       "x, LineString 1: an outline needs at least two points"},
+      {R"({"type": "LineString", "coordinates": [[1, 2], [3, 4])", "x: not valid JSON"},
+      {R"(<gpx><trk><trkseg><trkpt lat="4x" lon="1"/></trkseg></trk></gpx>)",
+       "x, GPX track 1, point 1: latitude is not a number"},
+      {R"(<gpx><trk><trkseg><trkpt lat="1" lon="181"/><trkpt lat="1" lon="2"/></trkseg></trk></gpx>)",
+       "x, GPX track 1, point 1: longitude out of range"},
+      {R"(<gpx><wpt lat="1" lon="2"/></gpx>)", "x: no track or route in the GPX"},
+      {R"(<kml/>)", "x: not a GPX document"},
+  };
+  for (const auto& [doc, read] : cases) EXPECT_EQ(Read(doc), read);
+}
+
+// Features and collections nested some hundred thousand levels deep used to
+// overflow the stack; they are refused (the export round trip reads the
+// nesting a map really uses).
+TEST(Import, DeeplyNestedGeoJsonIsRefused) {
+  const std::string line = R"({"type": "LineString", "coordinates": [[1, 2], [3, 4]]})";
+  for (const char* open :
+       {R"({"type": "Feature", "geometry": )", R"({"type": "GeometryCollection", "geometries": [)",
+        R"({"type": "FeatureCollection", "features": [)"}) {
+    for (int depth : {33, 200000}) {
+      std::string text;
+      for (int i = 0; i < depth; ++i) text += open;
+      text += line;
+      for (int i = 0; i < depth; ++i) text += open[strlen(open) - 1] == '[' ? "]}" : "}";
+      EXPECT_THROW(ParseGeoJson(text, "x"), BadInput) << open << depth;
+    }
+  }
+}
+
+// The point counts of the exports are checked through GDAL end to end, the
+// pictures' presence in the browser; here what GeoJSON and GPX hold reads
+// back as the same layouts, and where the picture puts the outline.
+TEST(Export, MapsReadBackAsTheSameLayoutsThePictureAsProjected) {
+  const auto track = BuildTrack(kSample, NewTrackOptions());
+  const std::string layouts = " GP:4@52.07,-1.02,150 National:3@52.07,-1.02,0";
+  EXPECT_EQ(Read(ExportTrack(*track, ExportFormat::kGeoJson)), "Sample & <Co>/GB" + layouts);
+  EXPECT_EQ(Read(ExportTrack(*track, ExportFormat::kGpx)), "Sample & <Co>/" + layouts);
+  const std::string svg = RenderSvg(*track, 1);  // the outline and the finish line across it
+  EXPECT_NE(svg.find(" d=\"M237.1,670.0 L562.9,405.0 L237.1,140.0 Z\""), std::string::npos) << svg;
+  EXPECT_NE(svg.find(R"(<line x1="227.7" y1="658.4" x2="246.6" y2="681.6" stroke="#d01010")"),
+            std::string::npos);
+  EXPECT_THROW(RenderSvg(*track, 2), BadInput);
+  const std::pair<double, double> bars[] = {{0.0, 1.0},     {1.0, 1.0},     {480.0, 200.0},
+                                            {999.0, 500.0}, {200.0, 200.0}, {1000.0, 1000.0}};
+  for (const auto& b : bars) EXPECT_EQ(ScaleBarLength(b.first), b.second) << b.first;
+}
+
+// A layout without a name shows the site's name on the logger. On an oval,
+// 1.30 km of outline counts as 8/10 mi while the length stays the measured
+// one; the state comes from the map file, no option overrides it.
+TEST(TrackBuilder, LayoutsBecomeVariantsWithTheirGeometryAndKeys) {
+  NewTrackOptions user, maker;
+  user.nation = "IT";
+  user.widthM = 15;
+  maker.type = TRACCIATO_OVAL;
+  maker.maker = true;
+  const Circuit circuit = kTwoLayouts;
+  Circuit us = circuit;
+  us.nation = "US";
+  us.state = "FL";
+  const auto track = BuildTrack(circuit, user), oval = BuildTrack(us, maker);
+  ASSERT_EQ(track->GetTagsInfoVarianti().size(), 2u);
+  for (size_t i = 0; i < 2; ++i) {
+    IVarianteTkk& v = *track->GetVariantiTrack()[i];
+    const VariantGeometry g = GeometryOf(v);
+    EXPECT_NEAR(HaversineM(g.reference, Centroid(circuit.layouts[i].points)), 0.0, 0.02);
+    ASSERT_EQ(g.lines.size(), 1u);
+    EXPECT_NEAR(HaversineM(g.lines[0].at, circuit.layouts[i].points[0]), 0.0, 0.02);
+    EXPECT_EQ(g.lines[0].widthM, 15u);
+    EXPECT_EQ(v.GetNomeXDevice(), i == 0 ? "Lungo" : "Circuito di prova");
+  }
+  EXPECT_NE(track->GetGuidVariante(0).Valore, track->GetGuidVariante(1).Valore);
+  const auto keys = [](IFileTkk& t) {
+    return std::make_tuple(t.GetTimeZone(), static_cast<int>(t.GetTrackLenghtKey()),
+                           int{t.GetTagInfo()->InfoFw.InfoBeacons.TipoBeaconInUso}, t.GetTrackIsReadOnly(),
+                           FixedText(t.GetTagInfo()->InfoFw.SubNationCode, 4));
+  };
+  EXPECT_EQ(keys(*track), std::make_tuple(1, int{LUNGHEZZA_CUSTOM}, int{BEACON_USER}, false, std::string()));
+  EXPECT_EQ(keys(*oval),
+            std::make_tuple(-5, int{LUNGHEZZA_8_10_MI}, int{BEACON_SCRUTINEERING}, true, std::string("FL")));
+  EXPECT_GT(oval->GetTrackLenght(), 1300.0f);
+}
+
+TEST(Vocabulary, CodesTypesAndSurfacesAFileCanHold) {
+  NewTrackOptions options;
+  options.nation = "ITALY";
+  EXPECT_THROW(BuildTrack(kTwoLayouts, options), BadInput);
+  EXPECT_EQ(CheckCode("NSW1", "state"), "NSW1");
+  EXPECT_THROW(CheckCode("N-1", "state"), BadInput);
+  EXPECT_EQ(CutUtf8("Nürburgring", 2) + "/" + CutUtf8("Nürburgring", 3), "N/Nü");  // not half of the ü
+  const std::pair<const char*, int> types[] = {{"kart track", 2}, {"Oval", 3}, {"10", 10}},
+                                    surfaces[] = {{"DIRT", 2}, {"16", 16}, {"Paved", 1}};
+  for (const auto& [text, type] : types) EXPECT_EQ(ParseTrackType(text), type) << text;
+  for (const auto& [text, surface] : surfaces) EXPECT_EQ(ParseSurface(text), surface) << text;
+  for (const char* bad : {"4", "0", "Tarmac"}) EXPECT_THROW(ParseTrackType(bad), BadInput) << bad;
+  EXPECT_THROW(ParseSurface("3"), BadInput);
+}
+
+// Far from the centre, and a US finish line east of Greenwich; the maker's
+// rule does not apply to a user's track.
+TEST(Report, ChecksExplainFailuresAndSkipTheMakersRuleForUsers) {
+  Circuit far{"Far", "US", "", {kTwoLayouts.layouts[0]}};
+  far.layouts[0].points.insert(far.layouts[0].points.begin(), GeoPoint{44.320, 11.716});
+  const auto track = BuildTrack(far, NewTrackOptions());
+  const nlohmann::json check = CheckTrack(*track, "t.tkk");
+  std::string passed;
+  for (const auto& c : check["checks"]) passed += c["passed"].get<bool>() ? "+" : "-";
+  EXPECT_EQ(passed, "+--+");
+  EXPECT_EQ(check["checks"][3]["message"], "not applicable: a user's track");
+  const nlohmann::json info = DescribeTrack(*track, "/x/t.tkk", {});
+  EXPECT_EQ(info["variants"][0]["nation"], "US");  // from the record, not the view
+}
+
+struct TempDir {
+  std::string path = mkdtemp(&(std::filesystem::temp_directory_path().string() + "/tkk-XXXXXX")[0]);
+  ~TempDir() { std::filesystem::remove_all(path); }
+  std::string Write(const std::string& name, const std::string& bytes) const {
+    std::ofstream(path + "/" + name, std::ios::binary) << bytes;
+    return path + "/" + name;
+  }
+  std::string Read(const std::string& name) const {
+    std::ifstream in(path + "/" + name, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+  }
+};
+
+// Monza (two layouts, a name to escape, a logo) and Imöla saved as track
+// files, with a file that is not a track and a map that is not a .tkk.
+class TwoTracks : public testing::Test {
+ protected:
+  std::vector<std::string> Save() {
+    std::vector<std::unique_ptr<IFileTkk>> tracks;
+    for (const auto& [name, lat, lon, layouts] :
+         {std::make_tuple("Monza & <Co>", 45.62, 9.28, 2), std::make_tuple("Imöla", 44.34, 11.71, 1)}) {
+      Circuit c{name, "IT", "", {}};
+      for (int i = 0; i < layouts; ++i) {
+        const double d = 0.004 / (i + 1);
+        c.layouts.push_back({layouts == 1 ? "" : "L" + std::to_string(i),
+                             {{lat, lon}, {lat, lon + d}, {lat + d, lon + d}, {lat + d, lon}}});
+      }
+      tracks.push_back(BuildTrack(c, NewTrackOptions()));
+    }
+    dir.Write("zz-broken.tkk", "not a track");
+    dir.Write("notes.txt", "x");
+    tracks[0]->SetTrackLogo(dir.Write("logo.png", std::string(20, 'x')));
+    return SaveTracks(tracks, dir.path);
+  }
+  TempDir dir;
+  const std::vector<std::string> saved = Save();
+  const SummaryBuild build = BuildSummary(dir.path);
+};
+
+// Tracks in name order, variant by variant. A saved track reopens with its
+// logo; unreadable tracks are listed.
+TEST_F(TwoTracks, SummaryHoldsThemInNameOrderVariantByVariantAndListsUnreadableOnes) {
+  const std::vector<LogoEntry> logos = ListLogos(saved[0]);
+  ASSERT_EQ(logos.size(), 1u);
+  EXPECT_EQ(logos[0].name + "/" + std::to_string(logos[0].bytes), "logo.png/20");
+  ASSERT_EQ(build.tracks.size(), 2u);
+  ASSERT_EQ(build.skipped.size(), 1u);
+  EXPECT_EQ(build.skipped[0].path, dir.path + "/zz-broken.tkk");
+  const size_t monza = saved[0] < saved[1] ? 0 : 1;
+  EXPECT_EQ(build.tracks[monza].path + std::to_string(build.tracks[monza].variants.size()), saved[0] + "2");
+  // Variant by variant; columns line up by characters, not bytes.
+  const std::string text = ListText(ListSummary(*build.summary));
+  EXPECT_NE(text.find(saved[0].substr(dir.path.size() + 1, 8) +
+                      "    1  L1     IT             45.62100   9.28100  0.756 km  20"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find("    0  Imöla  IT             44.34200  11.71200  1.526 km  20"), std::string::npos);
+}
+
+// Which track comes first and how far it is are shown by the binary runs;
+// here the limits, the text with distances in whole metres, and the input.
+TEST_F(TwoTracks, NearestWithinReachLimitedAndInWholeMetres) {
+  NearestQuery query{44.5, 11.0};
+  const nlohmann::json all = NearestTracks(*build.summary, query);
+  ASSERT_EQ(all.size(), 3u);
+  query.limit = 2;
+  EXPECT_EQ(NearestTracks(*build.summary, query).size(), 2u);
+  query.withinM = static_cast<int>(all[0]["distanceM"].get<double>()) + 1;
+  EXPECT_EQ(NearestTracks(*build.summary, query).size(), 1u);
+  EXPECT_EQ(NearestText(all).find('.'), std::string::npos) << NearestText(all);
+  query.withinM = 0;
+  EXPECT_EQ(NearestText(NearestTracks(*build.summary, query)), "no track within reach\n");
+  EXPECT_EQ(ParseDegrees("-90", "latitude", 90) + ParseDegrees("180", "longitude", 180), 90.0);
+  for (const char* bad : {"", "45x", "90.0001", "nan", "inf", "1e400", " "})
+    EXPECT_THROW(ParseDegrees(bad, "latitude", 90), BadInput) << bad;
+}
+
+_SDatoRiassuntivo Record(const char* file, short variant, const char* name, uint32_t date) {
+  _SDatoRiassuntivo r;
+  memcpy(r.FileName, file, 8);
+  strncpy(r.Name, name, sizeof r.Name);
+  memcpy(r.Country, "IT", 2);
+  r.VariantIdx = variant;
+  r.Date.Valore = date;
+  return r;
+}
+
+std::string Bytes(const std::vector<_SDatoRiassuntivo>& records) {
+  return std::string(reinterpret_cast<const char*>(records.data()), records.size() * sizeof records[0]);
+}
+
+// Variants are compared with the same variant of the other side; a date in
+// 2030 or later never counts as newer.
+TEST(DiffSummaries, EachVariantNewRemovedChangedEitherWayOrEqual) {
+  TempDir dir;
+  const uint32_t may = 0x24800000, june = 0x25000000, year2031 = 0x40000000;
+  const std::vector<_SDatoRiassuntivo> before = {
+      Record("aaaaaaaa", 0, "Two layouts", may), Record("aaaaaaaa", 1, "Short", may),
+      Record("bbbbbbbb", 0, "Removed", may),     Record("cccccccc", 0, "Renamed", may),
+      Record("dddddddd", 0, "Older", june),      Record("eeeeeeee", 0, "Far future", may)};
+  const std::vector<_SDatoRiassuntivo> after = {
+      Record("aaaaaaaa", 0, "Two layouts", may),     Record("aaaaaaaa", 1, "Short", may),
+      Record("cccccccc", 0, "Renamed again", june),  Record("dddddddd", 0, "Older", may),
+      Record("eeeeeeee", 0, "Far future", year2031), Record("ffffffff", 0, "Added", june)};
+  const nlohmann::json diff = DiffSummaries(*OpenSummary(dir.Write("old.bin", Bytes(before))),
+                                            *OpenSummary(dir.Write("new.bin", Bytes(after))));
+  EXPECT_EQ(DiffText(diff),
+            "new                  ffffffff  0  IT    Added\n"
+            "removed              bbbbbbbb  0  IT    Removed\n"
+            "changed (newer)      cccccccc  0  IT    Renamed again\n"
+            "changed (not newer)  dddddddd  0  IT    Older\n"
+            "changed (not newer)  eeeeeeee  0  IT    Far future\n"
+            "2 variants equal\n");
+}
+
+// A commit naming a file never written leaves the old files as they were.
+TEST(StagedFolder, FilesAppearTogetherOrNotAtAll) {
+  TempDir out;
+  out.Write("summary.bin", "old");
+  for (const bool whole : {false, true}) {
+    StagedFolder staged(out.path);
+    std::ofstream(staged.Path("summary.bin")) << "new";
+    std::ofstream(staged.Path("index.html")) << "page";
+    if (whole)
+      staged.Commit({"summary.bin", "index.html"});
+    else
+      EXPECT_THROW(staged.Commit({"summary.bin", "never-written"}), BadInput);
+  }
+  EXPECT_EQ(out.Read("summary.bin") + out.Read("index.html"), "newpage");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(out.path), {}), 2) << "staging left behind";
+}
+
+// Rows and pictures are counted in the browser end to end. Here: rows in the
+// summary's order (Monza saved first) come out by nation, site and variant;
+// names are escaped and the page runs no script.
+TEST_F(TwoTracks, CataloguePageOrderEscapesAndNoScript) {
+  std::vector<CatalogueRow> rows;
+  for (const SummarisedTrack& track : build.tracks)
+    for (size_t v = 0; v < track.variants.size(); ++v) {
+      CatalogueRow row{nullptr, &track.variants[v], "x.geojson"};
+      build.summary->GetDatoRiassuntivo(row.record, static_cast<int>(track.firstRecord + v));
+      rows.push_back(row);
+    }
+  const std::string page = CataloguePage(rows, 2);
+  const size_t monza = page.find("\"name\">Monza");
+  EXPECT_LT(page.find("\"name\">Imöla<"), monza);
+  EXPECT_LT(page.find(">L0 · Race Track<", monza), page.find(">L1 · Race Track<", monza));
+  EXPECT_NE(page.find("\"name\">Monza &amp; &lt;Co&gt;</span>"), std::string::npos);
+  EXPECT_FALSE(
+      std::regex_search(page, std::regex("<script|on the logger|<(td|div|a) />")));  // HTML has no <x/>
+}
+
+}  // namespace
+}  // namespace tkk
