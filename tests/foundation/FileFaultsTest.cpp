@@ -58,11 +58,7 @@ std::vector<iovec> Taglia(const iovec* v, int n, int conta) {
   for (iovec& p : parte) p.iov_len = std::min(p.iov_len, resto), resto -= p.iov_len;
   return parte;
 }
-bool Interrotta() {
-  if (++g.letture != g.interrottaAlla) return false;
-  errno = EINTR;
-  return true;
-}
+bool Interrotta() { return ++g.letture == g.interrottaAlla && (errno = EINTR); }
 const sys::Chiamate kGuaste = {
     [](const char* p, int f, mode_t m) {
       const bool lucchetto = strstr(p, ".tmp.lock") != nullptr;
@@ -144,32 +140,24 @@ class FileFaults : public ::testing::Test {
   void TearDown() override { sys::ImpostaSistema(nullptr), evtrec::Reset(false); }
 
   std::vector<Salvataggio> Salvataggi() {
-    auto traccia = [this](int v) { return v == 2 ? grande_.get() : tracce_[static_cast<size_t>(v)].get(); };
-    auto riassunto = [this](int v) { return riassunti_[v].get(); };
+    auto t = [this](int v) { return v == 2 ? grande_.get() : tracce_[static_cast<size_t>(v)].get(); };
+    auto r = [this](int v) { return riassunti_[v].get(); };
+    using D = const std::string&;
+    // clang-format off
     return {
-        {"track", true,
-         [=](int v, const std::string& d) { return traccia(v)->SalvaFileInPath(d, &kNome) == kNome; }},
+        {"track", true, [=](int v, D d) { return t(v)->SalvaFileInPath(d, &kNome) == kNome; }},
         {"track with a new name", true,
-         [=](int v, const std::string& d) { return traccia(v)->SalvaFileInPath(d, nullptr).size() == 8; }},
+         [=](int v, D d) { return t(v)->SalvaFileInPath(d, nullptr).size() == 8; }},
         {"logos apart", true,
-         [=](int v, const std::string& d) {
-           return traccia(v)->SalvaFileInPathLogoEsterno(d, kNome) == kNome;
-         }},
-        {"summary", false,
-         [=](int v, const std::string& d) { return riassunto(v)->SalvaFileDev(d + "s.bin"); }},
+         [=](int v, D d) { return t(v)->SalvaFileInPathLogoEsterno(d, kNome) == kNome; }},
+        {"summary", false, [=](int v, D d) { return r(v)->SalvaFileDev(d + "s.bin"); }},
         {"by name", false,
-         [=](int v, const std::string& d) {
-           return riassunto(v)->CreaFileAlfabSortedSenzaNazione(d + "n.bin", d + "n.ll", d + "n.g");
-         }},
+         [=](int v, D d) { return r(v)->CreaFileAlfabSortedSenzaNazione(d + "n.bin", d + "n", d + "n.g"); }},
         {"by position", false,
-         [=](int v, const std::string& d) {
-           return riassunto(v)->CreaFileLatLonSorted(d + "p.bin", d + "p.n", d + "p.g");
-         }},
+         [=](int v, D d) { return r(v)->CreaFileLatLonSorted(d + "p.bin", d + "p.n", d + "p.g"); }},
         {"text", false,
-         [=](int v, const std::string& d) {
-           return riassunto(v)->CreaFileAlfabSortedConNazioneTestuale(d + "t.txt");
-         }},
-    };
+         [=](int v, D d) { return r(v)->CreaFileAlfabSortedConNazioneTestuale(d + "t.txt"); }}};
+    // clang-format on
   }
 
   TempDir dir_;
@@ -234,37 +222,39 @@ TEST_F(FileFaults, NamesClaimedUnderALockFile) {
 }
 
 // Each failing call of a read gives the read's failure, or a good read where
-// the call did not matter (closing a file already read).
+// the call did not matter (closing a file already read). A read interrupted
+// by a signal is made again, and one that moves fewer bytes than asked goes
+// on: nothing is lost (k = 0: every read short).
 TEST_F(FileFaults, ReadsFailAsSpecified) {
   ASSERT_EQ(kNome, tracce_[2]->SalvaFileInPath(dir_.path(), &kNome));
   const std::string track = dir_.path() + kNome + ".tkk";
   riassunti_[0]->SalvaFileDev(dir_.path() + "s.bin");
   int fallite = 0;
-  for (int k = 1;; ++k) {
-    evtrec::Reset(true);
-    g = Guasti(), g.alla = k, sys::ImpostaSistema(&kGuaste);
-    std::unique_ptr<IFileTkk> letto(IFileTkk::CreateMeUponFile(track, true, true));
-    std::unique_ptr<IFileRiassuntivo> riassunto(IFileRiassuntivo::CreateMeUponFile(dir_.path() + "s.bin"));
-    sys::ImpostaSistema(nullptr);
-    SCOPED_TRACE(k);
-    if (!letto->IsGood()) {
-      ++fallite;
-      ASSERT_EQ(1u, evtrec::Events().size());
-      EXPECT_EQ("Can't open file " + track, evtrec::Events()[0].Message());
+  for (const bool interrotte : {false, true})
+    for (int k = interrotte ? 0 : 1;; ++k) {
+      SCOPED_TRACE(testing::Message() << k << (interrotte ? " interrupted" : " fails"));
+      evtrec::Reset(true);
+      g = Guasti();
+      (interrotte ? g.interrottaAlla : g.alla) = k;
+      g.corte = interrotte && k == 0;
+      sys::ImpostaSistema(&kGuaste);
+      std::unique_ptr<IFileTkk> letto(IFileTkk::CreateMeUponFile(track, true, true));
+      std::unique_ptr<IFileRiassuntivo> riassunto(IFileRiassuntivo::CreateMeUponFile(dir_.path() + "s.bin"));
+      sys::ImpostaSistema(nullptr);
+      if (interrotte) {
+        EXPECT_TRUE(letto->IsGood() && riassunto->GetNumRiassuntivi() == 2);
+        if (k > 1 && g.letture < k) break;
+        continue;
+      }
+      if (!letto->IsGood()) {
+        ++fallite;
+        ASSERT_EQ(1u, evtrec::Events().size());
+        EXPECT_EQ("Can't open file " + track, evtrec::Events()[0].Message());
+      }
+      EXPECT_TRUE(riassunto->GetNumRiassuntivi() == 0 || riassunto->GetNumRiassuntivi() == 2);
+      if (g.contate < k) break;
     }
-    EXPECT_TRUE(riassunto->GetNumRiassuntivi() == 0 || riassunto->GetNumRiassuntivi() == 2);
-    if (g.contate < k) break;
-  }
   EXPECT_GT(fallite, 1);
-  // A read interrupted by a signal is made again, and one that moves fewer
-  // bytes than asked goes on: nothing is lost (k = 0: every read short).
-  for (int k = 0; k <= 1 || g.letture >= k; ++k) {
-    g = Guasti(), g.interrottaAlla = k, g.corte = k == 0, sys::ImpostaSistema(&kGuaste);
-    std::unique_ptr<IFileTkk> letto(IFileTkk::CreateMeUponFile(track, true, true));
-    std::unique_ptr<IFileRiassuntivo> riassunto(IFileRiassuntivo::CreateMeUponFile(dir_.path() + "s.bin"));
-    sys::ImpostaSistema(nullptr);
-    EXPECT_TRUE(letto->IsGood() && riassunto->GetNumRiassuntivi() == 2) << "read " << k << " interrupted";
-  }
 }
 
 // A save first removes what saves killed in other processes left beside it:

@@ -69,33 +69,29 @@ TEST_F(AtomTag, AtomIsHeaderPayloadAndCrcFooter) {
 }
 
 // Only a prefix ending on an atom boundary is a valid (shorter) sequence, and
-// bytes after the last atom are not; every cut reports the atoms complete before it.
-TEST_F(AtomTag, EveryTruncationFailsExceptAtBoundaries) {
+// bytes after the last atom are not; a flipped bit or a size beyond the
+// buffer is detected. Each reports the atoms complete before the damage.
+TEST_F(AtomTag, DamageIsDetectedAfterTheAtomsBeforeIt) {
   Bytes longer = buffer_;
   longer.resize(buffer_.size() + 12, 0);
+  size_t count = 0;
   for (size_t length = 0; length <= longer.size(); ++length) {
-    SCOPED_TRACE(length);
-    size_t complete = 0, count = 0;
+    size_t complete = 0;
     while (complete + 1 < at_.size() && at_[complete + 1] <= length) ++complete;
-    EXPECT_EQ(Decode(longer, length, count), at_[complete] == length);
-    EXPECT_EQ(count, complete);
+    EXPECT_EQ(Decode(longer, length, count), at_[complete] == length) << "cut at " << length;
+    EXPECT_EQ(count, complete) << "cut at " << length;
   }
-}
-
-TEST_F(AtomTag, FlippedBitOrSizeBeyondTheBufferIsDetected) {
   for (size_t i = 0; i < buffer_.size(); ++i) {
-    SCOPED_TRACE(i);
     Bytes bad = buffer_;
     bad[i] ^= static_cast<unsigned char>(1u << (i % 8));
-    size_t before = 0, count = 0;
+    size_t before = 0;
     while (at_[before + 1] <= i) ++before;
-    EXPECT_FALSE(Decode(bad, bad.size(), count));
-    EXPECT_EQ(count, before);
+    EXPECT_FALSE(Decode(bad, bad.size(), count)) << "bit flipped in byte " << i;
+    EXPECT_EQ(count, before) << "bit flipped in byte " << i;
   }
   for (uint32_t size : {0xFFFFFFF0u, 0xFFFFFFF4u, 0xFFFFFFF8u, 0xFFFFFFFFu, 4u}) {
     Bytes bad(buffer_.begin(), buffer_.begin() + 15);
     for (int i = 0; i < 4; ++i) bad[4 + i] = static_cast<unsigned char>(size >> (8 * i));
-    size_t count = 0;
     EXPECT_FALSE(Decode(bad, bad.size(), count)) << size;
   }
 }
