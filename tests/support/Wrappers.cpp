@@ -81,10 +81,7 @@ void fakeclock::Reset() {
   g_frozen = false, g_rand.clear(), g_usleepCalls = g_locks = g_unlocks = 0, g_usleepMicros = 0;
 }
 tm fakeclock::MakeTm(int year, int month, int day, int hour, int minute, int second) {
-  tm t{};
-  t.tm_year = year - 1900, t.tm_mon = month - 1, t.tm_mday = day, t.tm_hour = hour, t.tm_min = minute,
-  t.tm_sec = second;
-  return t;
+  return tm{second, minute, hour, day, month - 1, year - 1900, 0, 0, 0, 0, nullptr};  // glibc's order
 }
 time_t fakeclock::Utc(int year, int month, int day, int hour, int minute, int second) {
   tm t = MakeTm(year, month, day, hour, minute, second);
@@ -145,9 +142,8 @@ time_t __real___time64(time_t* out);
 time_t __wrap___time64(time_t* out) { return g_frozen ? __wrap_time(out) : __real___time64(out); }
 #endif
 int __wrap_rand(void) {
-  if (g_rand.empty()) return __real_rand();
-  const int value = g_rand.front();
-  g_rand.pop_front();
+  const int value = g_rand.empty() ? __real_rand() : g_rand.front();
+  if (!g_rand.empty()) g_rand.pop_front();
   return value;
 }
 int __wrap_usleep(useconds_t micros) {

@@ -71,17 +71,12 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnVariant) {
                  t->GetTagInfoVariante(1)->FondiStradali->Fondi.size()),
       make_tuple(string("Changed"), false, string("Combo"), string("Rally"), size_t{1}));
   // Dates: a view writes its own record but reads the main variant's.
-  tm when = {}, back = {}, main = {};
-  when.tm_year = 125;
-  when.tm_mday = 9;
+  tm when = {0, 0, 0, 9, 0, 125, 0, 0, 0, 0, nullptr}, back = {}, main = {};
   second->AggiornaDataModifica(when);
   second->GetDateTimeTMModifica(back);
   t->GetVariantiTrack()[0]->AggiornaDataModifica(when);
   second->GetDateTimeTMModifica(main);
   EXPECT_EQ(back.tm_year * 1000 + main.tm_year, 115125);
-  // A failed read leaves no variant and no view.
-  EXPECT_FALSE(t->LeggiFile(dir.path() + "missing.tkk", false));
-  EXPECT_TRUE(t->GetVariantiTrack().empty());
 }
 
 // The nation code and the contacts need an additional-text record; a view
@@ -100,11 +95,9 @@ TEST(CVarianteTkk, MissingRecordsAnswerDefaults) {
   withPlus->SetTrackURL("https://example.invalid");
   plain->SetTrackURL("ignored");
   EXPECT_EQ(plain->GetNationCode() + plain->GetSubNationCode() + plain->GetCitta() + plain->GetTrackURL() +
-                plain->GetTrackComment(),
-            "");
-  EXPECT_EQ(withPlus->GetNationCode() + withPlus->GetSubNationCode() + withPlus->GetCitta() +
-                withPlus->GetTrackURL(),
-            "ITAMBMonzahttps://example.invalid");
+                plain->GetTrackComment() + "|" + withPlus->GetNationCode() + withPlus->GetSubNationCode() +
+                withPlus->GetCitta() + withPlus->GetTrackURL(),
+            "|ITAMBMonzahttps://example.invalid");
   STagsInfoVariante stray(t.get());
   CVarianteTkk none(nullptr);
   int zone = 7, delta = 7;
@@ -133,12 +126,11 @@ TEST(Vocabolari, KeysAndTheirTexts) {
     EXPECT_EQ(IVarianteTkk::OttieniStringaxLunghezzaKeyy(static_cast<_eTipoLunghezzaPista>(key)), text);
   // Key, surface, type, and whether each is known: non-strict lookups give
   // the first text for an unknown key, strict ones "".
-  const std::tuple<int, const char*, const char*, bool, bool> keys[] = {
-      {0, "Paved", "Race Track", 0, 0},   {1, "Paved", "Race Track", 1, 1}, {2, "Dirt", "Kart Track", 1, 1},
-      {3, "Paved", "Oval", 0, 1},         {4, "Ice", "Race Track", 1, 0},   {5, "Paved", "Drag Strip", 0, 1},
-      {6, "Paved", "Rally", 0, 1},        {7, "Paved", "Hill Climb", 0, 1}, {8, "Water", "Motocross", 1, 1},
-      {9, "Paved", "Open Circuit", 0, 1}, {10, "Paved", "ROval", 0, 1},     {11, "Paved", "Race Track", 0, 0},
-      {16, "Combo", "Race Track", 1, 0},  {-1, "Paved", "Race Track", 0, 0}};
+  const std::tuple<int, const char*, const char*, bool, bool> keys[] = {{0, "Paved", "Race Track", 0, 0},
+                                                                        {2, "Dirt", "Kart Track", 1, 1},
+                                                                        {4, "Ice", "Race Track", 1, 0},
+                                                                        {10, "Paved", "ROval", 0, 1},
+                                                                        {16, "Combo", "Race Track", 1, 0}};
   for (const auto& [key, surface, type, knownSurface, knownType] : keys) {
     SCOPED_TRACE(key);
     const auto s = static_cast<_eTipoRoadSurfaceTkk>(key);
