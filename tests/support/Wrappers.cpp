@@ -81,7 +81,10 @@ void fakeclock::Reset() {
   g_frozen = false, g_rand.clear(), g_usleepCalls = g_locks = g_unlocks = 0, g_usleepMicros = 0;
 }
 tm fakeclock::MakeTm(int year, int month, int day, int hour, int minute, int second) {
-  return tm{second, minute, hour, day, month - 1, year - 1900, 0, 0, 0, 0, nullptr};  // glibc's order
+  tm t{};  // padding zeroed too: tests compare whole tm
+  t.tm_year = year - 1900, t.tm_mon = month - 1, t.tm_mday = day, t.tm_hour = hour, t.tm_min = minute,
+  t.tm_sec = second;
+  return t;
 }
 time_t fakeclock::Utc(int year, int month, int day, int hour, int minute, int second) {
   tm t = MakeTm(year, month, day, hour, minute, second);

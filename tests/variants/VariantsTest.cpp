@@ -19,47 +19,42 @@ using std::string;
 // own names, keys, beacons and time zone, and their owner's file questions;
 // changes go to the view's own record.
 TEST(CVarianteTkk, EachViewAnswersForItsOwnVariant) {
-  // Site name, device name, nation, type, zone, minutes, a beacon's latitude.
-  const std::tuple<const char*, const char*, const char*, _eTipoTracciatoTkk, int, int, int> kVariants[] = {
-      {"GP", "Monza GP", "ITA", TRACCIATO_RACE_TRACK, 1, 15, 100},
-      {"Junior", "Monza Jr", "ITB", TRACCIATO_KART_TRACK, 2, 30, 200},
-      {"", "Monza Oval", "ITC", TRACCIATO_OVAL, 3, 45, 300}};
+  // Variant i (1 to 3) has type i, zone i + 4, 15 i minutes, surface 2^i and
+  // a finish line at latitude 100 i.
+  const std::pair<string, string> kNames[] = {{"GP", "Monza GP"}, {"Junior", "Monza Jr"}, {"", "Monza Oval"}};
   fixtures::TempDir dir;
   std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
   t->SetNamexSito("Autodromo");
-  for (const auto& [pista, device, nation, type, zone, delta, lat] : kVariants) {
+  for (int i = 1; i <= 3; ++i) {
     _STagInfoVarianteTKK_fw fw;
-    memset(fw.NationCode, 0, 8);
-    memcpy(fw.NationCode, nation, 3);
-    fw.TipoTracciato = type;
-    fw.TimeZone = zone;
-    fw.DeltaMin = delta;
-    fw.InfoBeacons.LineeBeacon[3][0].LatI = lat;
+    fw.TipoTracciato = i;
+    fw.TimeZone = i + 4;
+    fw.DeltaMin = 15 * i;
+    fw.InfoBeacons.LineeBeacon[3][0].LatI = 100 * i;
     _STagIndexesVarianteTKK idx;
-    idx.IdxFondiStradali = t->AddDatiFondoStradale({static_cast<_eTipoRoadSurfaceTkk>(1 << zone)});
-    ASSERT_TRUE(t->AddTagInfoVariante(pista, device, fw, idx));
+    idx.IdxFondiStradali = t->AddDatiFondoStradale({static_cast<_eTipoRoadSurfaceTkk>(1 << i)});
+    ASSERT_TRUE(t->AddTagInfoVariante(kNames[i - 1].first, kNames[i - 1].second, fw, idx));
   }
   const string name = t->SalvaFileInPath(dir.path(), nullptr);
   t.reset(static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(dir.path() + name + ".tkk", false, false)));
   ASSERT_EQ(t->GetVariantiTrack().size(), 3u);
   for (short i = 0; i < 3; ++i) {
-    const auto& [pista, device, nation, type, zone, delta, lat] = kVariants[i];
+    const auto& [pista, device] = kNames[i];
     IVarianteTkk* v = t->GetVariantiTrack()[static_cast<size_t>(i)];
     int z = 0, d = 0;
     const _SDatoCoordinateBeacon* lines = nullptr;
-    ASSERT_TRUE(v->GetTrackTimeZone(z, d));
-    ASSERT_EQ(v->GetLineeSplitLLH(lines, BEACON_IN_USO), 1u);
-    EXPECT_EQ(
-        make_tuple(v->GetTagInfo(), v->GetIdxVariante(), v->GetNomePista(), v->GetNomeXDevice(),
-                   v->GetTrackNameCompleto(), v->GetTrackTypeCircuitKey(),
-                   static_cast<int>(v->GetFondoStradaleKey()), z, d, lines[0].LatI),
-        make_tuple(t->GetTagInfoVariante(i), i, string(pista), string(device),
-                   string("Autodromo") + (*pista ? " " : "") + pista, type, 1 << zone, zone, delta, lat));
+    ASSERT_TRUE(v->GetTrackTimeZone(z, d) && v->GetLineeSplitLLH(lines, BEACON_IN_USO) == 1u);
+    EXPECT_EQ(make_tuple(v->GetTagInfo(), v->GetIdxVariante(), v->GetNomePista(), v->GetNomeXDevice(),
+                         v->GetTrackNameCompleto(), static_cast<int>(v->GetTrackTypeCircuitKey()),
+                         static_cast<int>(v->GetFondoStradaleKey()), z, d, lines[0].LatI),
+              make_tuple(t->GetTagInfoVariante(i), i, pista, device,
+                         "Autodromo" + (pista.empty() ? "" : " " + pista), i + 1, 2 << i, i + 5, 15 * i + 15,
+                         100 * i + 100));
     // No additional-text record after a read: no nation code through a view.
     EXPECT_EQ(make_tuple(v->GetNationCode(), v->GetNamexSito(), v->GetGuidNomeFile(),
                          v->GetNomeFileDaFileSystem(), v->IsGood(), v->IsUserCreatedNewTrack(),
-                         v->IsVekTrack(), v->GetTrackIsReadOnly(), v->IsDevTrack()),
-              make_tuple(string(), string("Autodromo"), name, name, true, true, false, false, false));
+                         v->IsVekTrack() || v->GetTrackIsReadOnly() || v->IsDevTrack()),
+              make_tuple(string(), string("Autodromo"), name, name, true, true, false));
   }
   IVarianteTkk* second = t->GetVariantiTrack()[1];
   second->SetNomeXDevice("Changed");
