@@ -100,30 +100,18 @@ class Generators : public ::testing::Test {
   void TearDown() override { fakeclock::Reset(); }
 };
 
-// A GUID and a name carry the second they were made in and their flags; IsDev
-// reads the type flag: a development GUID of the maker's type answers false.
-TEST_F(Generators, IdentifiersCarryTheirSecondAndFlags) {
-  fakeclock::QueueRand({0x7ABC4321, 0x7ABC4321});
-  const _UGuidTkk g = IGuidTkk::GetGuidTkk(true, true);
-  unsigned char expected[8];
-  tkkGenerateGuid(expected, true, true, &kWhen, 0x4321);
-  tm t = {};
-  bool isVek = true, isDev = false;
-  ASSERT_TRUE(
-      IGuidNomeFile::GetDaNomeFile(IGuidNomeFile::GetNomeFile(false, true) + ".tkk", t, isVek, isDev));
-  EXPECT_EQ(make_tuple(g.Valore, IGuidTkk::IsVek(g), IGuidTkk::IsDev(g), isVek, isDev, timegm(&t)),
-            make_tuple(DecodeFixed64(expected), true, false, false, true, kWhenUtc));
-  for (const char* bad : {"abc", "0000000Z"})
-    EXPECT_FALSE(IGuidNomeFile::GetDaNomeFile(bad, t, isVek, isDev));
-}
-
 // Within one second and one set of flags a repeated random number is drawn
 // again after 25 ms; other flags forget what was issued; when every draw
 // repeats, the GUID waits for the next second, where the number is free again.
+// IsDev reads the type flag: a development GUID of the maker's type answers false.
 TEST_F(Generators, GuidsBackOffFromARepeatedNumber) {
-  fakeclock::QueueRand({0x1111, 0x1111, 0x1111, 0x2222});
-  const _UGuidTkk first = IGuidTkk::GetGuidTkk(true, false);
-  EXPECT_EQ(IGuidTkk::GetGuidTkk(true, false).Valore, (first.Valore & ~0xFFFFull) | 0x2222);
+  fakeclock::QueueRand({0x7ABC1111, 0x1111, 0x1111, 0x2222});
+  const _UGuidTkk first = IGuidTkk::GetGuidTkk(true, true);
+  unsigned char expected[8];
+  tkkGenerateGuid(expected, true, true, &kWhen, 0x1111);
+  EXPECT_EQ(make_tuple(first.Valore, IGuidTkk::IsVek(first), IGuidTkk::IsDev(first)),
+            make_tuple(DecodeFixed64(expected), true, false));
+  EXPECT_EQ(IGuidTkk::GetGuidTkk(true, true).Valore, (first.Valore & ~0xFFFFull) | 0x2222);
   EXPECT_EQ(make_tuple(fakeclock::UsleepCalls(), fakeclock::UsleepMicros()), make_tuple(2, 50000LL));
 
   fakeclock::QueueRand({5, 5, 5});
@@ -149,6 +137,14 @@ TEST_F(Generators, NamesRememberOnlyARandomByteOfZero) {
   fakeclock::QueueRand({0x100, 0x200, 0x201});
   EXPECT_NE(IGuidNomeFile::GetNomeFile(true, false), IGuidNomeFile::GetNomeFile(true, false));
   EXPECT_EQ(make_tuple(fakeclock::UsleepCalls(), fakeclock::UsleepMicros()), make_tuple(1, 25000LL));
+  // A name gives back the second it was made in and its flags; a text that is not a name is refused.
+  tm t = {};
+  bool isVek = true, isDev = false;
+  ASSERT_TRUE(
+      IGuidNomeFile::GetDaNomeFile(IGuidNomeFile::GetNomeFile(false, true) + ".tkk", t, isVek, isDev));
+  EXPECT_EQ(make_tuple(isVek, isDev, timegm(&t)), make_tuple(false, true, kWhenUtc));
+  for (const char* bad : {"abc", "0000000Z"})
+    EXPECT_FALSE(IGuidNomeFile::GetDaNomeFile(bad, t, isVek, isDev));
 }
 
 }  // namespace
