@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <string.h>
 
-#include "Coordinate.h"
 #include "DataOraTkk.h"
 #include "foundation/LittleEndian.h"
 #include "foundation/LogEvento.h"
@@ -61,19 +60,6 @@ TEST(DataOraTkk, EachComparisonKeepsItsOwnRule) {
   }
 }
 
-// The current time, from the clock even when it was never set (a year before 2001).
-TEST(DataOraTkk, CurrentTimeComesFromTheClock) {
-  for (const time_t now :
-       {fakeclock::Utc(2000, 12, 31, 23, 59, 59), fakeclock::Utc(2024, 3, 5, 12, 34, 56)}) {
-    fakeclock::Freeze(now);
-    tm t;
-    EXPECT_EQ(IDataOraTkk::GetDataOraUTC(t), now > 978307199) << now;
-    EXPECT_EQ(timegm(&t), now);
-  }
-  EXPECT_EQ(IDataOraTkk::GetDataOraTkk().Valore, kWord);
-  fakeclock::Reset();
-}
-
 // Every byte in its place, and nothing written past the value.
 TEST(LittleEndian, EncodesAndDecodesEveryByteInPlace) {
   unsigned char b[9];
@@ -84,16 +70,6 @@ TEST(LittleEndian, EncodesAndDecodesEveryByteInPlace) {
   vektkk::EncodeFixed16(b, 0xA1B2);
   vektkk::EncodeFixed32(b + 2, 0xC1D2E3F4u);
   EXPECT_EQ(vektkk::DecodeFixed64(b), 0x0807C1D2E3F4A1B2ull);
-}
-
-// A true division, so that every stored value comes back unchanged through
-// degrees (the rounding itself is checked through the reference point, tests/trackfile).
-TEST(Coordinate, StoredValuesComeBackThroughDegrees) {
-  for (int v = -1800000000; v <= 1800000000; v += 9973) {
-    ASSERT_EQ(ConvertiLatLonADouble(v), v / 1e7);
-    ASSERT_EQ(ConvertiLatLonAs32(ConvertiLatLonADouble(v)), v);
-  }
-  EXPECT_EQ(ConvertiAltADouble(-1500), -1.5);
 }
 
 // One record per report, built under the host's mutex: the constant first

@@ -5,6 +5,7 @@
 
 #include <tuple>
 
+#include "DataOraTkk.h"
 #include "GuidNomeFile.h"
 #include "GuidTkk.h"
 #include "foundation/LittleEndian.h"
@@ -112,6 +113,7 @@ TEST_F(Generators, GuidsBackOffFromARepeatedNumber) {
   EXPECT_EQ(make_tuple(first.Valore, IGuidTkk::IsVek(first), IGuidTkk::IsDev(first)),
             make_tuple(DecodeFixed64(expected), true, false));
   EXPECT_EQ(IGuidTkk::GetGuidTkk(true, true).Valore, (first.Valore & ~0xFFFFull) | 0x2222);
+  EXPECT_EQ(IDataOraTkk::GetDataOraTkk().Valore, kWord);  // the clock's time, as modification dates take it
   EXPECT_EQ(make_tuple(fakeclock::UsleepCalls(), fakeclock::UsleepMicros()), make_tuple(2, 50000LL));
 
   fakeclock::QueueRand({5, 5, 5});
