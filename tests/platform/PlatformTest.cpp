@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <string.h>
 #include <zlib.h>
 
 #include <memory>
@@ -15,50 +14,29 @@ namespace {
 using Bytes = std::vector<unsigned char>;
 using namespace vekatomtag;
 
-// Three atoms: a 3-byte payload, an empty one (passed as null) and a
-// 4-character tag. Only a prefix ending on an atom boundary is a valid
-// (shorter) sequence, and bytes after the last atom are not; a flipped bit or
-// a size beyond the buffer (also one that wraps around with the header) is
-// detected. Each reports the atoms complete before the damage. The layout and
-// what the atoms hold are pinned by the track files (tests/trackfile).
-TEST(AtomTag, DamageIsDetectedAfterTheAtomsBeforeIt) {
+// A flipped bit anywhere, or a size beyond the buffer (also one that wraps
+// around with the header and footer on a 32-bit processor), is detected. The
+// layout, what the atoms hold and cut or longer files are checked through the
+// track files (tests/trackfile, also with a container of decode() alone).
+TEST(AtomTag, DamageIsDetected) {
   std::unique_ptr<IAtomTagEncoderBin> encoder(IAtomTagEncoderBin::CreateMe());
   std::unique_ptr<IAtomTagDecoderBin> decoder(IAtomTagDecoderBin::CreateMe());
   Bytes buffer;
-  std::vector<size_t> at = {0};  // where each atom starts, and the end
-  const std::pair<const char*, const char*> kAtoms[] = {{"pts", "abc"}, {"e", ""}, {"LAPS", "\x01\xFF"}};
-  for (const auto& [tag, payload] : kAtoms) {
-    ASSERT_TRUE(encoder->append(buffer, tag, *payload ? payload : nullptr,
-                                static_cast<uint32_t>(strlen(payload)), 0));
-    at.push_back(buffer.size());
-  }
+  ASSERT_TRUE(encoder->append(buffer, "pts", "abc", 3, 0) && encoder->append(buffer, "e", nullptr, 0, 0));
   EXPECT_FALSE(encoder->append(buffer, "LAPSX", "abc", 3, 0) ||
                encoder->append(buffer, "pts", nullptr, 1, 0));
   std::vector<SAtomTag> atoms;
-  EXPECT_TRUE(decoder->decode(nullptr, 0, atoms) && !decoder->decode(nullptr, 1, atoms));
-  auto expectDecode = [&](const Bytes& b, size_t length, bool ok, size_t count) {
-    std::vector<SAtomTag> got;  // a decode adds to what the list holds
-    EXPECT_EQ(decoder->decode(b.data(), length, got), ok);
-    EXPECT_EQ(got.size(), count);
-  };
-  Bytes longer = buffer;
-  longer.resize(buffer.size() + 12, 0);
-  for (size_t length = 0, complete = 0; length <= longer.size(); ++length) {
-    SCOPED_TRACE(length);
-    while (complete + 1 < at.size() && at[complete + 1] <= length) ++complete;
-    expectDecode(longer, length, at[complete] == length, complete);
-  }
-  for (size_t i = 0, before = 0; i < buffer.size(); ++i) {
-    SCOPED_TRACE(i);
+  EXPECT_TRUE(decoder->decode(buffer.data(), buffer.size(), atoms) && decoder->decode(nullptr, 0, atoms) &&
+              !decoder->decode(nullptr, 1, atoms));
+  for (size_t i = 0; i < buffer.size(); ++i) {
     Bytes bad = buffer;
     bad[i] ^= static_cast<unsigned char>(1u << (i % 8));
-    while (at[before + 1] <= i) ++before;
-    expectDecode(bad, bad.size(), false, before);
+    EXPECT_FALSE(decoder->decode(bad.data(), bad.size(), atoms)) << "bit flipped in byte " << i;
   }
   for (uint32_t size : {0xFFFFFFF0u, 0xFFFFFFF4u, 0xFFFFFFF8u, 0xFFFFFFFFu, 4u}) {
-    Bytes bad(buffer.begin(), buffer.begin() + 15);
+    Bytes bad = buffer;
     for (int i = 0; i < 4; ++i) bad[4 + i] = static_cast<unsigned char>(size >> (8 * i));
-    expectDecode(bad, bad.size(), false, 0);
+    EXPECT_FALSE(decoder->decode(bad.data(), bad.size(), atoms)) << size;
   }
 }
 
