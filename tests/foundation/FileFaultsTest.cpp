@@ -257,9 +257,9 @@ TEST_F(FileFaults, LeftoversOfDeadProcessesAreRemoved) {
   std::vector<std::string> restano = {
       ".a" + m + ".1",         ".a" + m + ".1.2x", ".a" + m + ".1.2.3", ".a.tmp.x" + m.substr(5) + ".1.2",
       ".a.tmp." + io + ".1.2", ".a.tmp.1.1.2",     "a" + m + ".1.2",    m + ".1.2",
-      ".b.tkk.tmp.lock"};
+      ".b.tkk.tmp.lock",       "b.tkk.tmp.lock"};
   for (const std::string& e : restano) fixtures::WriteAll(dir_.path() + e, {});
-  for (const std::string& e : {".a" + m + ".1.2", std::string(".c.tkk.tmp.lock")})
+  for (const std::string& e : {".a" + m + ".0.2", std::string(".c.tkk.tmp.lock")})
     fixtures::WriteAll(dir_.path() + e, {});
   ASSERT_EQ(kNome, tracce_[0]->SalvaFileInPath(dir_.path(), &kNome));
   restano.push_back(kNome + ".tkk");

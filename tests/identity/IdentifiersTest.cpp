@@ -112,6 +112,10 @@ TEST_F(Generators, GuidsBackOffFromARepeatedNumber) {
   tkkGenerateGuid(expected, true, true, &kWhen, 0x1111);
   EXPECT_EQ(make_tuple(first.Valore, IGuidTkk::IsVek(first), IGuidTkk::IsDev(first)),
             make_tuple(DecodeFixed64(expected), true, false));
+  tm t = {};
+  bool isVek = false, isDev = false;
+  ASSERT_TRUE(IGuidTkk::GetDaGuidTkk(first, t, isVek, isDev));
+  EXPECT_EQ(make_tuple(isVek, isDev, timegm(&t)), make_tuple(true, true, kWhenUtc));
   EXPECT_EQ(IGuidTkk::GetGuidTkk(true, true).Valore, (first.Valore & ~0xFFFFull) | 0x2222);
   EXPECT_EQ(IDataOraTkk::GetDataOraTkk().Valore, kWord);  // the clock's time, as modification dates take it
   EXPECT_EQ(make_tuple(fakeclock::UsleepCalls(), fakeclock::UsleepMicros()), make_tuple(2, 50000LL));
