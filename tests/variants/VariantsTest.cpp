@@ -17,8 +17,11 @@ using std::string;
 
 // Views over every variant of a three-variant file read back each variant's
 // own names, keys, beacons and time zone, and their owner's file questions;
-// changes go to the view's own record.
-TEST(CVarianteTkk, EachViewAnswersForItsOwnVariant) {
+// changes go to the view's own record. The nation code and the contacts need
+// an additional-text record; a view over a record not in the track's list
+// answers -1 from GetIdxVariante. (A view over no record is the track's own
+// without a variant, tests/trackfile.)
+TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
   // Variant i (1 to 3) has type i, zone i + 4, 15 i minutes, surface 2^i and
   // a finish line at latitude 100 i.
   const std::pair<string, string> kNames[] = {{"GP", "Monza GP"}, {"Junior", "Monza Jr"}, {"", "Monza Oval"}};
@@ -72,13 +75,6 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnVariant) {
   t->GetVariantiTrack()[0]->AggiornaDataModifica(when);
   second->GetDateTimeTMModifica(main);
   EXPECT_EQ(back.tm_year * 1000 + main.tm_year, 115125);
-}
-
-// The nation code and the contacts need an additional-text record; a view
-// over a record not in its owner's list answers -1 from GetIdxVariante. (A
-// view over no record is the track's own without a variant, tests/trackfile.)
-TEST(CVarianteTkk, MissingRecordsAnswerDefaults) {
-  std::unique_ptr<CFileTkk> t = fixtures::MakeSmallTrack();
   STagDatiPlus plus;
   plus.Citta = "Monza";
   _STagIndexesVarianteTKK idx;
@@ -86,12 +82,11 @@ TEST(CVarianteTkk, MissingRecordsAnswerDefaults) {
   _STagInfoVarianteTKK_fw fw;
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
   ASSERT_TRUE(t->AddTagInfoVariante("", "", fw, idx));
-  IVarianteTkk *plain = t->GetVariantiTrack()[0], *withPlus = t->GetVariantiTrack()[1];
+  IVarianteTkk *plain = t->GetVariantiTrack()[1], *withPlus = t->GetVariantiTrack()[3];
   withPlus->SetTrackURL("https://example.invalid");
   plain->SetTrackURL("ignored");
-  EXPECT_EQ(plain->GetNationCode() + plain->GetCitta() + plain->GetTrackURL() + "|" +
-                withPlus->GetNationCode() + withPlus->GetSubNationCode() + withPlus->GetCitta() +
-                withPlus->GetTrackURL(),
+  EXPECT_EQ(plain->GetCitta() + plain->GetTrackURL() + "|" + withPlus->GetNationCode() +
+                withPlus->GetSubNationCode() + withPlus->GetCitta() + withPlus->GetTrackURL(),
             "|ITAMBMonzahttps://example.invalid");
   STagsInfoVariante stray(t.get());
   EXPECT_EQ(CVarianteTkk(&stray).GetIdxVariante(), -1);
