@@ -37,12 +37,13 @@ namespace sys = vektkk::sys;
 // Apart from that, the read numbered `interrottaAlla` is interrupted by a signal.
 struct Guasti {
   int contate = 0, alla = 0, rinominatiNonScaricati = 0, lucchetti = 0, letture = 0, interrottaAlla = 0;
+  int errore = EIO;
   bool corte = false, lucchettoInutile = false;
   std::map<int, std::string> aperti;
   std::set<std::string> nonScaricati;
 } g;
 
-bool Cade() { return ++g.contate == g.alla && (errno = EIO); }
+bool Cade() { return ++g.contate == g.alla && (errno = g.errore); }
 void Nomina(const char* from, const char*) { g.rinominatiNonScaricati += g.nonScaricati.count(from) > 0; }
 
 // A call that may fail, after `prima` has looked at its arguments.
@@ -196,7 +197,7 @@ TEST_F(FileFaults, SavesKeepTheOldFilesWhicheverCallFails) {
 // Without hard links and exclusive renames (the FAT family of memory cards) a
 // generated name is claimed under a lock file, removed afterwards; a lock that
 // cannot be taken fails the save without leaking its descriptor.
-TEST_F(FileFaults, NamesClaimedUnderALockFile) {
+TEST_F(FileFaults, NamesClaimedUnderALockFileAndTakenTemporaryNamesDrawnAgain) {
   faults::NoHardLinks(true, true);
   g = Guasti(), sys::ImpostaSistema(&kGuaste);
   const std::string nome = tracce_[0]->SalvaFileInPath(dir_.path(), nullptr);
@@ -206,6 +207,9 @@ TEST_F(FileFaults, NamesClaimedUnderALockFile) {
   for (int i = 0; i < 3; ++i) EXPECT_EQ("", tracce_[0]->SalvaFileInPath(dir_.path(), nullptr));
   EXPECT_EQ(prima, Descrittori());
   faults::NoHardLinks(false);
+  // A temporary name found taken is drawn again.
+  g = Guasti(), g.alla = 1, g.errore = EEXIST;
+  EXPECT_EQ(kNome, tracce_[0]->SalvaFileInPath(dir_.path(), &kNome));
 }
 
 // Each failing call of a read gives the read's failure, or a good read where
