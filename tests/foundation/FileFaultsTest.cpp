@@ -208,7 +208,7 @@ TEST_F(FileFaults, NamesClaimedUnderALockFileAndTakenTemporaryNamesDrawnAgain) {
   EXPECT_EQ(prima, Descrittori());
   faults::NoHardLinks(false);
   // A temporary name found taken is drawn again.
-  g = Guasti(), g.alla = 1, g.errore = EEXIST;
+  g = Guasti(), g.alla = 2, g.errore = EEXIST;  // after the look at the file it replaces
   EXPECT_EQ(kNome, tracce_[0]->SalvaFileInPath(dir_.path(), &kNome));
 }
 
