@@ -5,6 +5,7 @@
 
 #include <tuple>
 
+#include "DataOraTkk.h"
 #include "GuidNomeFile.h"
 #include "GuidTkk.h"
 #include "foundation/LittleEndian.h"
@@ -25,43 +26,32 @@ const time_t kWhenUtc = fakeclock::Utc(2024, 3, 5, 12, 34, 56);
 // says "not the maker's type", development flag in bit 48. File-name GUID:
 // random in byte 0, word in bytes 1-4, development flag in its spare bit 39,
 // type flag in bit 40. Only the lowest bit of isDev counts; any non-zero
-// isVek is the maker's type. Neither writes past its eight bytes.
+// isVek is the maker's type. Neither writes past its eight bytes, and the
+// decoders give the flags back and write only the six date and time members.
 TEST(TkkFlat, GuidLayouts) {
-  const struct {
-    bool nome;
-    int isVek, isDev, random;
-    uint64_t expected;
-  } cases[] = {
-      {false, 1, 0, 0x12345, kWord << 16 | 0x2345},
-      {false, 0, 0, 0, kWord << 16 | 1ull << 47},
-      {false, 1, 1, 0, kWord << 16 | 1ull << 48},
-      {false, 0, 1, 0xFFFF, kWord << 16 | 3ull << 47 | 0xFFFF},
-      {false, 1, 2, 0, kWord << 16},
-      {false, 2, 0, 0, kWord << 16},
-      {true, 1, 0, 0x1FF, kWord << 8 | 0xFF},
-      {true, 0, 0, 0, kWord << 8 | 1ull << 40},
-      {true, 1, 1, 0, kWord << 8 | 1ull << 39},
-      {true, 1, 2, 0, kWord << 8},
-      {true, 2, 0, 0, kWord << 8},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.nome << c.isVek << c.isDev);
+  // clang-format off
+  // File name?, isVek, isDev, random, GUID.
+  const std::tuple<bool, int, int, int, uint64_t> cases[] = {
+      {false, 1, 0, 0x12345, kWord << 16 | 0x2345}, {false, 0, 0, 0, kWord << 16 | 1ull << 47},
+      {false, 1, 1, 0, kWord << 16 | 1ull << 48},   {false, 0, 1, 0xFFFF, kWord << 16 | 3ull << 47 | 0xFFFF},
+      {false, 1, 2, 0, kWord << 16},                {false, 2, 0, 0, kWord << 16},
+      {true, 1, 0, 0x1FF, kWord << 8 | 0xFF},       {true, 0, 0, 0, kWord << 8 | 1ull << 40},
+      {true, 1, 1, 0, kWord << 8 | 1ull << 39},     {true, 1, 2, 0, kWord << 8},
+      {true, 2, 0, 0, kWord << 8}};
+  // clang-format on
+  for (const auto& [nome, isVek, isDev, random, expected] : cases) {
+    SCOPED_TRACE(testing::Message() << nome << isVek << isDev);
     unsigned char out[9];
     memset(out, 0xEE, sizeof out);
-    c.nome ? tkkGenerateGuidNomeFile(out, c.isVek, c.isDev, &kWhen, c.random)
-           : tkkGenerateGuid(out, c.isVek, c.isDev, &kWhen, static_cast<unsigned>(c.random));
-    EXPECT_EQ(make_tuple(DecodeFixed64(out), out[8]), make_tuple(c.expected, 0xEE));
-    // The decoders give the flags back and write only the six date and time members.
-    tm back = kWhen;
-    back.tm_year = back.tm_mon = back.tm_mday = back.tm_hour = back.tm_min = back.tm_sec = 0;
-    back.tm_wday = 6;
-    back.tm_yday = 300;
-    back.tm_isdst = 1;
-    unsigned char isVek = 9, isDev = 9;
-    (c.nome ? tkkDecodeGuidNomeFile : tkkDecodeGuid)(out, &isVek, &isDev, &back);
+    nome ? tkkGenerateGuidNomeFile(out, isVek, isDev, &kWhen, random)
+         : tkkGenerateGuid(out, isVek, isDev, &kWhen, static_cast<unsigned>(random));
+    EXPECT_EQ(make_tuple(DecodeFixed64(out), out[8]), make_tuple(expected, 0xEE));
+    tm back = {0, 0, 0, 0, 0, 0, 6, 300, 1, 0, nullptr};  // wday, yday, isdst are left as they were
+    unsigned char vek = 9, dev = 9;
+    (nome ? tkkDecodeGuidNomeFile : tkkDecodeGuid)(out, &vek, &dev, &back);
     const int untouched = back.tm_wday + back.tm_yday + back.tm_isdst;
-    EXPECT_EQ(make_tuple(isVek, isDev, untouched, timegm(&back)),
-              (make_tuple<unsigned char, unsigned char>(c.isVek != 0, c.isDev & 1, 307, kWhenUtc)));
+    EXPECT_EQ(make_tuple(vek, dev, untouched, timegm(&back)),
+              (make_tuple<unsigned char, unsigned char>(isVek != 0, isDev & 1, 307, kWhenUtc)));
   }
   EXPECT_EQ((std::vector<int>{tkkIsTipoVek(0), tkkIsTipoVek(1), tkkIsTipoVek(2), tkkIsDev(0), tkkIsDev(1),
                               tkkIsDev(2)}),
@@ -69,55 +59,38 @@ TEST(TkkFlat, GuidLayouts) {
 }
 
 // Eight base-36 digits, read from the last one and added to what the output
-// held; reading stops at the first character that is not a digit.
+// held; reading stops at the first character that is not a digit. Neither
+// way writes past its output. Each text ends right before an unreadable
+// page: a short name used to be read past its end (its eighth character first).
 TEST(TkkFlat, NamesAreEightBase36Digits) {
-  const uint64_t largest = 0x7FFFFFFFull << 8 | 0xFF | 3ull << 39;
-  const struct {
-    const char* text;
-    uint64_t held;
-    int ok;
-    uint64_t value;
-    const char* name;
-  } cases[] = {
-      {"00000000", 0, 1, 0, "00000000"},
-      {"0000000z", 0, 1, 35, "0000000z"},
-      {"00000010", 0, 1, 36, "00000010"},
-      {"s27to3cv", 0, 1, largest, "s27to3cv"},
-      {"0k3f9zq1.tkk", 0, 1, 43742705689ull, "0k3f9zq1"},
-      {"00000010", 1000, 1, 1036, "000000ss"},
-      {"0000000Z", 0, 0, 0, nullptr},
-      {"0000Z00a", 0, 0, 10, nullptr},
-      {"z000000-", 0, 0, 0, nullptr},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    unsigned char value[9];
-    memset(value, 0xEE, sizeof value);
-    vektkk::EncodeFixed64(value, c.held);
-    const bool ok = tkkGetGuidFromNomeFile(value, c.text) != 0;
-    EXPECT_EQ(make_tuple(ok, DecodeFixed64(value), value[8]), make_tuple(c.ok != 0, c.value, 0xEE));
-    if (c.name == nullptr) continue;
-    char name[11];
-    memset(name, 'X', sizeof name);
-    tkkGetNomeFileFromGuid(name, value);
-    EXPECT_EQ(make_tuple(std::string(name), name[9]), make_tuple(std::string(c.name), 'X'));
-  }
-}
-
-// A name shorter than eight characters ending right before an unreadable
-// page: reading it must stop at its terminator (it used to read the eighth
-// character first, past the end).
-TEST(TkkFlat, NameReadingOfAShortNameStaysWithinIt) {
   const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
   char* map =
       static_cast<char*>(mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-  ASSERT_NE(map, MAP_FAILED);
-  ASSERT_EQ(mprotect(map + page, page, PROT_NONE), 0);
-  for (const char* name : {"", "0", "0k3f", "0k3f9zq"}) {
-    char* at = map + page - strlen(name) - 1;
-    memcpy(at, name, strlen(name) + 1);
-    unsigned char out[8] = {0};
-    EXPECT_FALSE(tkkGetGuidFromNomeFile(out, at) != 0 || DecodeFixed64(out) != 0) << name;
+  ASSERT_TRUE(map != MAP_FAILED && mprotect(map + page, page, PROT_NONE) == 0);
+  const uint64_t largest = 0x7FFFFFFFull << 8 | 0xFF | 3ull << 39;
+  // Text, value held before, read?, value after, name written back.
+  // clang-format off
+  const std::tuple<const char*, uint64_t, bool, uint64_t, const char*> cases[] = {
+      {"00000000", 0, 1, 0, "00000000"}, {"0000000z", 0, 1, 35, "0000000z"},
+      {"00000010", 0, 1, 36, "00000010"}, {"s27to3cv", 0, 1, largest, "s27to3cv"},
+      {"0k3f9zq1.tkk", 0, 1, 43742705689ull, "0k3f9zq1"}, {"00000010", 1000, 1, 1036, "000000ss"},
+      {"0000000Z", 0, 0, 0, nullptr}, {"0000Z00a", 0, 0, 10, nullptr}, {"z000000-", 0, 0, 0, nullptr},
+      {"", 0, 0, 0, nullptr}, {"0k3f", 0, 0, 0, nullptr}, {"0k3f9zq", 0, 0, 0, nullptr}};
+  // clang-format on
+  for (const auto& [text, held, ok, value, name] : cases) {
+    SCOPED_TRACE(text);
+    char* at = map + page - strlen(text) - 1;
+    memcpy(at, text, strlen(text) + 1);
+    unsigned char guid[9];
+    memset(guid, 0xEE, sizeof guid);
+    vektkk::EncodeFixed64(guid, held);
+    const bool read = tkkGetGuidFromNomeFile(guid, at) != 0;
+    EXPECT_EQ(make_tuple(read, DecodeFixed64(guid), guid[8]), make_tuple(ok, value, 0xEE));
+    if (name == nullptr) continue;
+    char back[11];
+    memset(back, 'X', sizeof back);
+    tkkGetNomeFileFromGuid(back, guid);
+    EXPECT_EQ(make_tuple(std::string(back), back[9]), make_tuple(std::string(name), 'X'));
   }
   munmap(map, 2 * page);
 }
@@ -128,50 +101,23 @@ class Generators : public ::testing::Test {
   void TearDown() override { fakeclock::Reset(); }
 };
 
-// A name decodes to the second it was made in and its flags; a text that is
-// not a name writes nothing. IsDev reads the type flag: a development GUID
-// of the maker's type answers false, and only the decoder sees the flag.
-TEST_F(Generators, IdentifiersCarryTheirSecondAndFlags) {
-  for (const bool f : {false, true})
-    for (const bool dev : {false, true}) {
-      SCOPED_TRACE(testing::Message() << f << dev);
-      fakeclock::QueueRand({0x7ABC4321});
-      const _UGuidTkk g = IGuidTkk::GetGuidTkk(f, dev);
-      unsigned char expected[8];
-      tkkGenerateGuid(expected, f, dev, &kWhen, 0x4321);
-      const std::string name = IGuidNomeFile::GetNomeFile(f, dev);
-      EXPECT_EQ(make_tuple(g.Valore, IGuidTkk::IsVek(g), IGuidTkk::IsDev(g), name.size()),
-                make_tuple(DecodeFixed64(expected), f, !f, size_t{8}));
-      for (const std::string& text : {name, name + ".tkk"}) {
-        tm t = kWhen;
-        t.tm_wday = 5;
-        t.tm_isdst = 1;
-        bool isVek = !f, isDev = !dev;
-        ASSERT_TRUE(IGuidNomeFile::GetDaNomeFile(text, t, isVek, isDev));
-        const int untouched = t.tm_wday + t.tm_isdst;
-        EXPECT_EQ(make_tuple(isVek, isDev, untouched, timegm(&t)), make_tuple(f, dev, 6, kWhenUtc));
-        isVek = !f;
-        isDev = !dev;
-        ASSERT_TRUE(IGuidTkk::GetDaGuidTkk(g, t, isVek, isDev));
-        EXPECT_EQ(make_tuple(isVek, isDev, timegm(&t)), make_tuple(f, dev, kWhenUtc));
-      }
-    }
-  for (const char* bad : {"abc", "", "0000000Z", "0k3f9zq!", "0k3f9zq"}) {
-    tm t, before;
-    memset(&t, 0x5A, sizeof t), before = t;
-    bool isVek = true, isDev = true;
-    EXPECT_FALSE(IGuidNomeFile::GetDaNomeFile(bad, t, isVek, isDev)) << bad;
-    EXPECT_TRUE(memcmp(&t, &before, sizeof t) == 0 && isVek && isDev) << bad;
-  }
-}
-
 // Within one second and one set of flags a repeated random number is drawn
 // again after 25 ms; other flags forget what was issued; when every draw
 // repeats, the GUID waits for the next second, where the number is free again.
+// IsDev reads the type flag: a development GUID of the maker's type answers false.
 TEST_F(Generators, GuidsBackOffFromARepeatedNumber) {
-  fakeclock::QueueRand({0x1111, 0x1111, 0x1111, 0x2222});
-  const _UGuidTkk first = IGuidTkk::GetGuidTkk(true, false);
-  EXPECT_EQ(IGuidTkk::GetGuidTkk(true, false).Valore, (first.Valore & ~0xFFFFull) | 0x2222);
+  fakeclock::QueueRand({0x7ABC1111, 0x1111, 0x1111, 0x2222});
+  const _UGuidTkk first = IGuidTkk::GetGuidTkk(true, true);
+  unsigned char expected[8];
+  tkkGenerateGuid(expected, true, true, &kWhen, 0x1111);
+  EXPECT_EQ(make_tuple(first.Valore, IGuidTkk::IsVek(first), IGuidTkk::IsDev(first)),
+            make_tuple(DecodeFixed64(expected), true, false));
+  tm t = {};
+  bool isVek = false, isDev = false;
+  ASSERT_TRUE(IGuidTkk::GetDaGuidTkk(first, t, isVek, isDev));
+  EXPECT_EQ(make_tuple(isVek, isDev, timegm(&t)), make_tuple(true, true, kWhenUtc));
+  EXPECT_EQ(IGuidTkk::GetGuidTkk(true, true).Valore, (first.Valore & ~0xFFFFull) | 0x2222);
+  EXPECT_EQ(IDataOraTkk::GetDataOraTkk().Valore, kWord);  // the clock's time, as modification dates take it
   EXPECT_EQ(make_tuple(fakeclock::UsleepCalls(), fakeclock::UsleepMicros()), make_tuple(2, 50000LL));
 
   fakeclock::QueueRand({5, 5, 5});
@@ -197,6 +143,14 @@ TEST_F(Generators, NamesRememberOnlyARandomByteOfZero) {
   fakeclock::QueueRand({0x100, 0x200, 0x201});
   EXPECT_NE(IGuidNomeFile::GetNomeFile(true, false), IGuidNomeFile::GetNomeFile(true, false));
   EXPECT_EQ(make_tuple(fakeclock::UsleepCalls(), fakeclock::UsleepMicros()), make_tuple(1, 25000LL));
+  // A name gives back the second it was made in and its flags; a text that is not a name is refused.
+  tm t = {};
+  bool isVek = true, isDev = false;
+  ASSERT_TRUE(
+      IGuidNomeFile::GetDaNomeFile(IGuidNomeFile::GetNomeFile(false, true) + ".tkk", t, isVek, isDev));
+  EXPECT_EQ(make_tuple(isVek, isDev, timegm(&t)), make_tuple(false, true, kWhenUtc));
+  for (const char* bad : {"abc", "0000000Z"})
+    EXPECT_FALSE(IGuidNomeFile::GetDaNomeFile(bad, t, isVek, isDev));
 }
 
 }  // namespace

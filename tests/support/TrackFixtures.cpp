@@ -40,9 +40,7 @@ void WriteAll(const std::string& path, const Bytes& bytes) {
       .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
-namespace {
-
-std::unique_ptr<CFileTkk> NewTrack(bool readOnly, const char* site, const char* guidName) {
+static std::unique_ptr<CFileTkk> NewTrack(bool readOnly, const char* site, const char* guidName) {
   std::unique_ptr<CFileTkk> track(static_cast<CFileTkk*>(IFileTkk::CreateMe(readOnly, false)));
   _STagInfoFileTKK info;
   memcpy(info.NamexSito, site, strlen(site));
@@ -50,8 +48,6 @@ std::unique_ptr<CFileTkk> NewTrack(bool readOnly, const char* site, const char* 
   track->SetTagInfoFile("", info);
   return track;
 }
-
-}  // namespace
 
 std::unique_ptr<CFileTkk> MakeRandomTrack(uint32_t seed, bool readOnly) {
   std::mt19937 rng(seed);

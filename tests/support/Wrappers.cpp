@@ -43,20 +43,16 @@ using Tag = std::pair<std::string, std::string>;
 evtrec::Event& EventOf(EVTREC* record) { return g_events.at(reinterpret_cast<size_t>(record) - 1); }
 
 // The real coder behind nothing but the one operation of the interface.
-struct PlainDecoder : IAtomTagDecoderBin {
-  explicit PlainDecoder(IAtomTagDecoderBin* r) : real(r) {}
-  bool decode(const unsigned char* b, size_t n, std::vector<SAtomTag>& atoms) override {
+template <typename Coder>
+struct Plain : Coder {
+  explicit Plain(Coder* r) : real(r) {}
+  bool decode(const unsigned char* b, size_t n, std::vector<SAtomTag>& atoms) {
     return real->decode(b, n, atoms);
   }
-  std::unique_ptr<IAtomTagDecoderBin> real;
-};
-struct PlainEncoder : IAtomTagEncoderBin {
-  explicit PlainEncoder(IAtomTagEncoderBin* r) : real(r) {}
-  bool append(std::vector<unsigned char>& out, const std::string& tag, const void* p, uint32_t n,
-              int flag) override {
+  bool append(std::vector<unsigned char>& out, const std::string& tag, const void* p, uint32_t n, int flag) {
     return real->append(out, tag, p, n, flag);
   }
-  std::unique_ptr<IAtomTagEncoderBin> real;
+  std::unique_ptr<Coder> real;
 };
 }  // namespace
 
@@ -81,7 +77,7 @@ void fakeclock::Reset() {
   g_frozen = false, g_rand.clear(), g_usleepCalls = g_locks = g_unlocks = 0, g_usleepMicros = 0;
 }
 tm fakeclock::MakeTm(int year, int month, int day, int hour, int minute, int second) {
-  tm t{};
+  tm t{};  // padding zeroed too: tests compare whole tm
   t.tm_year = year - 1900, t.tm_mon = month - 1, t.tm_mday = day, t.tm_hour = hour, t.tm_min = minute,
   t.tm_sec = second;
   return t;
@@ -145,9 +141,8 @@ time_t __real___time64(time_t* out);
 time_t __wrap___time64(time_t* out) { return g_frozen ? __wrap_time(out) : __real___time64(out); }
 #endif
 int __wrap_rand(void) {
-  if (g_rand.empty()) return __real_rand();
-  const int value = g_rand.front();
-  g_rand.pop_front();
+  const int value = g_rand.empty() ? __real_rand() : g_rand.front();
+  if (!g_rand.empty()) g_rand.pop_front();
   return value;
 }
 int __wrap_usleep(useconds_t micros) {
@@ -164,11 +159,11 @@ int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
 }
 IAtomTagDecoderBin* __wrap__ZN18IAtomTagDecoderBin8CreateMeEv() {
   IAtomTagDecoderBin* real = g_failDecoder ? nullptr : __real__ZN18IAtomTagDecoderBin8CreateMeEv();
-  return g_plain && real != nullptr ? new PlainDecoder(real) : real;
+  return g_plain && real != nullptr ? new Plain<IAtomTagDecoderBin>(real) : real;
 }
 IAtomTagEncoderBin* __wrap__ZN18IAtomTagEncoderBin8CreateMeEv() {
   IAtomTagEncoderBin* real = g_failEncoder ? nullptr : __real__ZN18IAtomTagEncoderBin8CreateMeEv();
-  return g_plain && real != nullptr ? new PlainEncoder(real) : real;
+  return g_plain && real != nullptr ? new Plain<IAtomTagEncoderBin>(real) : real;
 }
 int __wrap_rename(const char* from, const char* to) {
   return g_renameDelayUs && __real_usleep(g_renameDelayUs), __real_rename(from, to);

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <string.h>
 
-#include <algorithm>
 #include <sstream>
 #include <tuple>
 
@@ -14,81 +13,61 @@
 namespace {
 
 using std::make_tuple;
-const struct VariantData {
-  const char *pista, *device, *nation;
-  _eTipoTracciatoTkk type;
-  int zone, delta, lat;
-} kVariants[] = {{"GP", "Monza GP", "ITA", TRACCIATO_RACE_TRACK, 1, 15, 100},
-                 {"Junior", "Monza Jr", "ITB", TRACCIATO_KART_TRACK, 2, 30, 200},
-                 {"", "Monza Oval", "ITC", TRACCIATO_OVAL, 3, 45, 300}};
+using std::string;
 
-// Views over a three-variant track read back: variant questions come from
-// the view's own record, file questions from its owner; changes go to the
-// view's record.
-TEST(CVarianteTkk, EachViewAnswersForItsOwnVariant) {
+// Views over every variant of a three-variant file read back each variant's
+// own names, keys, beacons and time zone, and their owner's file questions;
+// changes go to the view's own record. The nation code and the contacts need
+// an additional-text record; a view over a record not in the track's list
+// answers -1 from GetIdxVariante. (A view over no record is the track's own
+// without a variant, tests/trackfile.)
+TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
+  // Variant i (1 to 3) has type i, zone i + 4, 15 i minutes, surface 2^i and
+  // a finish line at latitude 100 i.
+  const std::pair<string, string> kNames[] = {{"GP", "Monza GP"}, {"Junior", "Monza Jr"}, {"", "Monza Oval"}};
   fixtures::TempDir dir;
   std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
   t->SetNamexSito("Autodromo");
-  for (const VariantData& s : kVariants) {
+  for (int i = 1; i <= 3; ++i) {
     _STagInfoVarianteTKK_fw fw;
-    memset(fw.NationCode, 0, 8);
-    memcpy(fw.NationCode, s.nation, 3);
-    fw.TipoTracciato = s.type, fw.TimeZone = s.zone, fw.DeltaMin = s.delta,
-    fw.InfoBeacons.LineeBeacon[3][0].LatI = s.lat;
+    fw.TipoTracciato = i;
+    fw.TimeZone = i + 4;
+    fw.DeltaMin = 15 * i;
+    fw.InfoBeacons.LineeBeacon[3][0].LatI = 100 * i;
     _STagIndexesVarianteTKK idx;
-    idx.IdxFondiStradali = t->AddDatiFondoStradale({static_cast<_eTipoRoadSurfaceTkk>(1 << s.zone)});
-    ASSERT_TRUE(t->AddTagInfoVariante(s.pista, s.device, fw, idx));
+    idx.IdxFondiStradali = t->AddDatiFondoStradale({static_cast<_eTipoRoadSurfaceTkk>(1 << i)});
+    ASSERT_TRUE(t->AddTagInfoVariante(kNames[i - 1].first, kNames[i - 1].second, fw, idx));
   }
-  const std::string name = t->SalvaFileInPath(dir.path(), nullptr);
-  t.reset(static_cast<CFileTkk*>(
-      IFileTkk::CreateMeUponFile(dir.path() + name + ".tkk", false, false)));  // named from its path
+  const string name = t->SalvaFileInPath(dir.path(), nullptr);
+  t.reset(static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(dir.path() + name + ".tkk", false, false)));
   ASSERT_EQ(t->GetVariantiTrack().size(), 3u);
   for (short i = 0; i < 3; ++i) {
-    const VariantData& s = kVariants[i];
+    const auto& [pista, device] = kNames[i];
     IVarianteTkk* v = t->GetVariantiTrack()[static_cast<size_t>(i)];
-    int zone = 0, delta = 0;
+    int z = 0, d = 0;
     const _SDatoCoordinateBeacon* lines = nullptr;
-    ASSERT_TRUE(v->GetTrackTimeZone(zone, delta));
-    ASSERT_EQ(v->GetLineeSplitLLH(lines, BEACON_IN_USO), 1u);
+    ASSERT_TRUE(v->GetTrackTimeZone(z, d) && v->GetLineeSplitLLH(lines, BEACON_IN_USO) == 1u);
     EXPECT_EQ(make_tuple(v->GetTagInfo(), v->GetIdxVariante(), v->GetNomePista(), v->GetNomeXDevice(),
-                         v->GetTrackNameCompleto(), v->GetTrackTypeCircuitKey(),
-                         static_cast<int>(v->GetFondoStradaleKey()), zone, delta, lines[0].LatI),
-              make_tuple(t->GetTagInfoVariante(i), i, std::string(s.pista), std::string(s.device),
-                         std::string("Autodromo") + (*s.pista ? " " : "") + s.pista, s.type, 1 << s.zone,
-                         s.zone, s.delta, s.lat));
+                         v->GetTrackNameCompleto(), static_cast<int>(v->GetTrackTypeCircuitKey()),
+                         static_cast<int>(v->GetFondoStradaleKey()), z, d, lines[0].LatI),
+              make_tuple(t->GetTagInfoVariante(i), i, pista, device,
+                         "Autodromo" + (pista.empty() ? "" : " " + pista), i + 1, 2 << i, i + 5, 15 * i + 15,
+                         100 * i + 100));
     // No additional-text record after a read: no nation code through a view.
-    EXPECT_EQ(
-        make_tuple(v->GetNationCode(), v->GetNamexSito(), v->GetGuidNomeFile(), v->GetNomeFileDaFileSystem(),
-                   v->IsGood(), v->IsUserCreatedNewTrack(), v->IsVekTrack(), v->GetTrackIsReadOnly(),
-                   v->IsDevTrack()),
-        make_tuple(std::string(), std::string("Autodromo"), name, name, true, true, false, false, false));
+    EXPECT_EQ(make_tuple(v->GetNationCode(), v->GetNamexSito(), v->GetGuidNomeFile(),
+                         v->GetNomeFileDaFileSystem(), v->IsGood(), v->IsUserCreatedNewTrack(),
+                         v->IsVekTrack() || v->GetTrackIsReadOnly() || v->IsDevTrack()),
+              make_tuple(string(), string("Autodromo"), name, name, true, true, false));
   }
   IVarianteTkk* second = t->GetVariantiTrack()[1];
   second->SetNomeXDevice("Changed");
   second->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
   second->SetFondoStradaleKey(FONDO_COMBO);
   EXPECT_EQ(
-      make_tuple(std::string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice), second->IsTrackChiuso(),
+      make_tuple(string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice), second->IsTrackChiuso(),
                  second->OttieniStringaxFondoStradaleKey(), second->OttieniStringaxTrackTypeCircuitKey(),
                  t->GetTagInfoVariante(1)->FondiStradali->Fondi.size()),
-      make_tuple(std::string("Changed"), false, std::string("Combo"), std::string("Rally"), size_t{1}));
-  // Dates: a view writes its own record but reads the main variant's.
-  tm when = {}, back = {}, main = {};
-  when.tm_year = 125, when.tm_mday = 9;
-  second->AggiornaDataModifica(when);
-  second->GetDateTimeTMModifica(back);
-  t->GetVariantiTrack()[0]->AggiornaDataModifica(when);
-  second->GetDateTimeTMModifica(main);
-  EXPECT_EQ(back.tm_year * 1000 + main.tm_year, 115125);
-  // A failed read leaves no variant and no view.
-  EXPECT_FALSE(t->LeggiFile(dir.path() + "missing.tkk", false));
-  EXPECT_TRUE(t->GetVariantiTrack().empty());
-}
-
-// The nation code and the contacts need an additional-text record; a view
-// over a record not in its owner's list, or over none, answers defaults.
-TEST(CVarianteTkk, MissingRecordsAnswerDefaults) {
-  std::unique_ptr<CFileTkk> t = fixtures::MakeSmallTrack();
+      make_tuple(string("Changed"), false, string("Combo"), string("Rally"), size_t{1}));
   STagDatiPlus plus;
   plus.Citta = "Monza";
   _STagIndexesVarianteTKK idx;
@@ -96,29 +75,14 @@ TEST(CVarianteTkk, MissingRecordsAnswerDefaults) {
   _STagInfoVarianteTKK_fw fw;
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
   ASSERT_TRUE(t->AddTagInfoVariante("", "", fw, idx));
-  IVarianteTkk *plain = t->GetVariantiTrack()[0], *withPlus = t->GetVariantiTrack()[1];
+  IVarianteTkk *plain = t->GetVariantiTrack()[1], *withPlus = t->GetVariantiTrack()[3];
   withPlus->SetTrackURL("https://example.invalid");
   plain->SetTrackURL("ignored");
-  EXPECT_EQ(plain->GetNationCode() + plain->GetSubNationCode() + plain->GetCitta() + plain->GetTrackURL() +
-                plain->GetTrackComment(),
-            "");
-  EXPECT_EQ(withPlus->GetNationCode() + withPlus->GetSubNationCode() + withPlus->GetCitta() +
-                withPlus->GetTrackURL(),
-            "ITAMBMonzahttps://example.invalid");
+  EXPECT_EQ(plain->GetCitta() + plain->GetTrackURL() + "|" + withPlus->GetNationCode() +
+                withPlus->GetSubNationCode() + withPlus->GetCitta() + withPlus->GetTrackURL(),
+            "|ITAMBMonzahttps://example.invalid");
   STagsInfoVariante stray(t.get());
-  CVarianteTkk none(nullptr);
-  int zone = 7, delta = 7;
-  const _SDatoCoordinateBeacon* lines = &stray.InfoFw.InfoBeacons.LineeBeacon[0][0];
-  EXPECT_FALSE(none.GetTrackTimeZone(zone, delta));
-  EXPECT_EQ(none.GetLineeSplitLLH(lines, BEACON_IN_USO), 0u);
-  EXPECT_EQ(
-      make_tuple(CVarianteTkk(&stray).GetIdxVariante(), none.GetIdxVariante(), none.IsTrackChiuso(), zone,
-                 none.GetTrackLenght(), none.GetNomePista() + none.GetTrackNomignolo() + none.GetNamexSito(),
-                 none.IsVekTrack() || none.IsGood() || none.IsDevTrack() || none.IsUserCreatedNewTrack(),
-                 lines, none.GetTrackLogo()),
-      make_tuple(short{-1}, short{-1}, true, 7, 0.0f, std::string(), false,
-                 static_cast<const _SDatoCoordinateBeacon*>(nullptr),
-                 static_cast<const std::string*>(nullptr)));
+  EXPECT_EQ(CVarianteTkk(&stray).GetIdxVariante(), -1);
 }
 
 TEST(Vocabolari, KeysAndTheirTexts) {
@@ -130,39 +94,34 @@ TEST(Vocabolari, KeysAndTheirTexts) {
       {11040103, "0.686 mi"}, {11265411, "7/10 mi"}, {12070083, "3/4 mi"}, {12874756, "8/10 mi"},
       {16093445, "1 mi"},     {32186890, "2 mi"},    {0, "custom"},        {1609345, "custom"},
       {23, "custom"}};
-  for (const auto& c : lengths)
-    EXPECT_EQ(IVarianteTkk::OttieniStringaxLunghezzaKeyy(static_cast<_eTipoLunghezzaPista>(c.first)),
-              c.second);
-  // Non-strict lookups give the first text for an unknown key, strict ones "".
-  const struct {
-    int key;
-    const char *surface, *type;
-    bool knownSurface, knownType;
-  } keys[] = {
-      {0, "Paved", "Race Track", 0, 0},   {1, "Paved", "Race Track", 1, 1}, {2, "Dirt", "Kart Track", 1, 1},
-      {3, "Paved", "Oval", 0, 1},         {4, "Ice", "Race Track", 1, 0},   {5, "Paved", "Drag Strip", 0, 1},
-      {6, "Paved", "Rally", 0, 1},        {7, "Paved", "Hill Climb", 0, 1}, {8, "Water", "Motocross", 1, 1},
-      {9, "Paved", "Open Circuit", 0, 1}, {10, "Paved", "ROval", 0, 1},     {11, "Paved", "Race Track", 0, 0},
-      {16, "Combo", "Race Track", 1, 0},  {-1, "Paved", "Race Track", 0, 0}};
-  for (const auto& c : keys) {
-    SCOPED_TRACE(c.key);
-    const auto surface = static_cast<_eTipoRoadSurfaceTkk>(c.key);
-    const auto type = static_cast<_eTipoTracciatoTkk>(c.key);
-    EXPECT_EQ(IVarianteTkk::OttieniStringaxFondoStradaleKeyy(surface, false), c.surface);
-    EXPECT_EQ(IVarianteTkk::OttieniStringaxFondoStradaleKeyy(surface, true), c.knownSurface ? c.surface : "");
-    EXPECT_EQ(IVarianteTkk::OttieniStringaxTrackTypeCircuitKeyy(type, false), c.type);
-    EXPECT_EQ(IVarianteTkk::OttieniStringaxTrackTypeCircuitKeyy(type, true), c.knownType ? c.type : "");
+  for (const auto& [key, text] : lengths)
+    EXPECT_EQ(IVarianteTkk::OttieniStringaxLunghezzaKeyy(static_cast<_eTipoLunghezzaPista>(key)), text);
+  // Key, surface, type, and whether each is known: non-strict lookups give
+  // the first text for an unknown key, strict ones "".
+  const std::tuple<int, const char*, const char*, bool, bool> keys[] = {{0, "Paved", "Race Track", 0, 0},
+                                                                        {2, "Dirt", "Kart Track", 1, 1},
+                                                                        {4, "Ice", "Race Track", 1, 0},
+                                                                        {10, "Paved", "ROval", 0, 1},
+                                                                        {16, "Combo", "Race Track", 1, 0}};
+  for (const auto& [key, surface, type, knownSurface, knownType] : keys) {
+    SCOPED_TRACE(key);
+    const auto s = static_cast<_eTipoRoadSurfaceTkk>(key);
+    const auto k = static_cast<_eTipoTracciatoTkk>(key);
+    EXPECT_EQ(IVarianteTkk::OttieniStringaxFondoStradaleKeyy(s, false), surface);
+    EXPECT_EQ(IVarianteTkk::OttieniStringaxFondoStradaleKeyy(s, true), knownSurface ? surface : "");
+    EXPECT_EQ(IVarianteTkk::OttieniStringaxTrackTypeCircuitKeyy(k, false), type);
+    EXPECT_EQ(IVarianteTkk::OttieniStringaxTrackTypeCircuitKeyy(k, true), knownType ? type : "");
   }
   // The lists are appended to, never cleared.
-  std::vector<std::string> types = {"mine"}, surfaces;
+  std::vector<string> types = {"mine"}, surfaces;
   IVarianteTkk::GetElencoStringheTrackType(types);
   IVarianteTkk::GetElencoStringheTrackType(types);
   EXPECT_EQ(types.size(), 19u);
-  EXPECT_EQ(std::vector<std::string>(types.begin() + 1, types.begin() + 10),
-            (std::vector<std::string>{"Race Track", "Kart Track", "Oval", "Drag Strip", "Rally", "Hill Climb",
-                                      "Motocross", "Open Circuit", "ROval"}));
+  EXPECT_EQ(std::vector<string>(types.begin() + 1, types.begin() + 10),
+            (std::vector<string>{"Race Track", "Kart Track", "Oval", "Drag Strip", "Rally", "Hill Climb",
+                                 "Motocross", "Open Circuit", "ROval"}));
   IVarianteTkk::GetElencoStringheFondoStradale(surfaces);
-  EXPECT_EQ(surfaces, (std::vector<std::string>{"Paved", "Dirt", "Ice", "Water", "Combo"}));
+  EXPECT_EQ(surfaces, (std::vector<string>{"Paved", "Dirt", "Ice", "Water", "Combo"}));
 }
 
 // The two rules are kept separately: 0, 4, 8 and above 10 are both closed and open.
@@ -178,65 +137,51 @@ TEST(Vocabolari, ClosedAndOpenForEveryType) {
 constexpr int kUntouched = 77;  // what the outputs held before the call
 constexpr int kNone = 50;       // the zone is not determined
 
-// Each row: a nation and its sub-nations (comma-separated; a trailing comma
-// adds the empty code), the expected hours and minutes, and the text that
-// each report starts with (the code follows) and how many reports there are.
+std::vector<string> Split(const string& list) {
+  std::vector<string> codes;
+  std::istringstream in(list + ",");
+  for (string code; std::getline(in, code, ',');) codes.push_back(code);
+  return codes;
+}
+
+// Each row: nations and sub-nations (comma-separated; a trailing comma adds
+// the empty code), the expected hours and minutes, the text that each report
+// starts with (the code follows) and how many reports there are.
 TEST(TimeZones, EveryNationAndState) {
-  const struct {
-    const char *nations, *states;
-    int hours, minutes;
-    const char* report;
-    int reports;
-  } rows[] = {
-      {"GB,IE,PT", "XX", 0, 0, "", 0},
+  // clang-format off
+  const std::tuple<const char*, const char*, int, int, const char*, int> rows[] = {
+      {"GB,IE,PT", "XX", 0, 0, "", 0}, {"FI,TR,ZA", "XX", 2, 0, "", 0}, {"AE", "XX", 4, 0, "", 0},
       {"FR,MC,LU,CH,NL,ES,AT,BE,CZ,DE,IT,HR,NO,PL,SE,HU,SK", "XX", 1, 0, "", 0},
-      {"FI,TR,ZA", "XX", 2, 0, "", 0},
-      {"AE", "XX", 4, 0, "", 0},
-      {"TH", "XX", 7, 0, "", 0},
-      {"CN,SG,TW,MY", "XX", 8, 0, "", 0},
-      {"JP,KR", "XX", 9, 0, "", 0},
-      {"PR", "XX", -4, 0, "", 0},
-      {"CO", "XX", -5, 0, "", 0},
+      {"TH", "XX", 7, 0, "", 0}, {"CN,SG,TW,MY", "XX", 8, 0, "", 0}, {"JP,KR", "XX", 9, 0, "", 0},
+      {"PR", "XX", -4, 0, "", 0}, {"CO", "XX", -5, 0, "", 0},
       // Known to the table and refused all the same, like any unknown code.
       {"RU,DK,BR,MX,NZ,it,USA,", "", kNone, kUntouched, "Timezone not managed for nation ", 1},
       {"US", "AL,CT,DE,FL,GA,ME,MD,MA,NH,NJ,NY,NC,OH,PA,RI,SC,VT,VA,WV", -5, 0, "", 0},
-      {"US", "AR,IL,IA,LA,MN,MS,MO,ND,OK,TX,WI", -6, 0, "", 0},
-      {"US", "AZ,CO,MT,NM,UT,WY", -7, 0, "", 0},
-      {"US", "CA,OR,WA", -8, 0, "", 0},
-      {"US", "AK", -9, 0, "", 0},
-      {"US", "HI", -10, 0, "", 0},
+      {"US", "AR,IL,IA,LA,MN,MS,MO,ND,OK,TX,WI", -6, 0, "", 0}, {"US", "AZ,CO,MT,NM,UT,WY", -7, 0, "", 0},
+      {"US", "CA,OR,WA", -8, 0, "", 0}, {"US", "AK", -9, 0, "", 0}, {"US", "HI", -10, 0, "", 0},
       // Only the minutes are written for these nine: the hours stay undetermined.
       {"US", "ID,IN,KS,KY,MI,NE,NV,SD,TN", kNone, 0, "", 0},
       {"US", "DC,al", kNone, 0, "Timezone not managed in US for subNation ", 1},
-      {"AU", "WA", 8, 0, "", 0},
-      {"AU", "SA,NT", 9, 30, "", 0},
-      {"AU", "QLD,NSW,ACT,VIC,TAS", 10, 0, "", 0},
+      {"AU", "WA", 8, 0, "", 0}, {"AU", "SA,NT", 9, 30, "", 0}, {"AU", "QLD,NSW,ACT,VIC,TAS", 10, 0, "", 0},
       {"AU", "WAU", kNone, kUntouched, "Timezone not managed in Australia for subNation ", 1},
       // Alberta gets its zone and a report; three provinces are reported twice.
       {"CA", "AB", -7, 0, "Timezone not managed in Canada for sub nation ", 1},
       {"CA", "BC,ON,QC", kNone, kUntouched, "Timezone not managed in Canada for sub nation ", 2},
-      {"CA", "NS", kNone, kUntouched, "Timezone not managed in Canada for sub nation ", 1},
-  };
-  auto split = [](const std::string& list) {
-    std::vector<std::string> codes;
-    std::istringstream in(list + ",");
-    for (std::string code; std::getline(in, code, ',');) codes.push_back(code);
-    return codes;
-  };
+      {"CA", "NS", kNone, kUntouched, "Timezone not managed in Canada for sub nation ", 1}};
+  // clang-format on
   int usStates = 0;
-  for (const auto& r : rows)
-    for (const std::string& nation : split(r.nations))
-      for (const std::string& state : split(r.states)) {
+  for (const auto& [nations, states, hours, minutes, report, reports] : rows)
+    for (const string& nation : Split(nations))
+      for (const string& state : Split(states)) {
         SCOPED_TRACE(nation + "/" + state);
         evtrec::Reset(true);
-        int hours = kUntouched, minutes = kUntouched;
-        IVarianteTkk::GetTimeZoneFromNation(nation, state, hours, minutes);
-        EXPECT_EQ(hours, r.hours);
-        EXPECT_EQ(minutes, r.minutes);
-        ASSERT_EQ(evtrec::Events().size(), static_cast<size_t>(r.reports));
+        int h = kUntouched, m = kUntouched;
+        IVarianteTkk::GetTimeZoneFromNation(nation, state, h, m);
+        EXPECT_EQ(make_tuple(h, m), make_tuple(hours, minutes));
+        ASSERT_EQ(evtrec::Events().size(), static_cast<size_t>(reports));
         for (const evtrec::Event& e : evtrec::Events())
-          EXPECT_EQ(e.severity + " " + e.Message(), "ERROR " + (r.report + (*r.states ? state : nation)));
-        usStates += nation == "US" && r.reports == 0;
+          EXPECT_EQ(e.severity + " " + e.Message(), "ERROR " + (report + (*states ? state : nation)));
+        usStates += nation == "US" && reports == 0;
       }
   EXPECT_EQ(usStates, 50);
   // Called directly, an unknown or unwritten state leaves the hours as they were.

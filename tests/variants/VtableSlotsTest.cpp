@@ -4,6 +4,8 @@
 #include <stddef.h>
 #include <string.h>
 
+#include <sstream>
+
 #include "IFileRiassuntivo.h"
 #include "IFileTkk.h"
 
@@ -25,149 +27,60 @@ long Slot(Pmf pmf) {
 #endif
 }
 
-struct Op {
-  const char* name;
-  long slot;
-};
-#define S(fn) \
-  Op { #fn, Slot(&CLS::fn) }
-
-// The operations listed in slot order from `first`.
-void ExpectSlotsFrom(long first, std::initializer_list<Op> ops) {
-  for (const Op& op : ops) EXPECT_EQ(op.slot, first++) << op.name;
+// The operations listed in slot order from `first`, each named by its own text in the list.
+void ExpectSlots(long first, const std::string& names, std::initializer_list<long> slots) {
+  std::istringstream in(names);
+  std::string name;
+  for (long slot : slots) {
+    std::getline(in >> std::ws, name, ',');
+    EXPECT_EQ(slot, first++) << name;
+  }
 }
+#define SLOTS(first, ...) ExpectSlots(first, #__VA_ARGS__, {__VA_ARGS__})
+#define S(fn) Slot(&CLS::fn)
 
 TEST(VtableSlots, EveryOperationKeepsItsSlot) {
 #define CLS IVarianteTkk
-  ExpectSlotsFrom(0, {S(GetTagInfo),
-                      S(GetNomePista),
-                      S(GetTrackNameCompleto),
-                      S(IsTrashed),
-                      S(GetDateTimeTMModifica),
-                      S(GetTrackComment),
-                      S(SetTrackComment),
-                      S(GetNationCode),
-                      S(GetSubNationCode),
-                      S(GetCitta),
-                      S(GetAuto),
-                      S(GetKart),
-                      S(GetMoto),
-                      S(GetTrackTypeCircuitKey),
-                      S(SetTrackTypeCircuitKey),
-                      S(GetFondoStradaleKey),
-                      S(SetFondoStradaleKey),
-                      S(GetTrackIsReadOnly),
-                      S(GetStringaVarianti),
-                      S(GetNamexSito),
-                      S(OttieniStringaxTrackTypeCircuitKey),
-                      S(OttieniStringaxFondoStradaleKey),
-                      S(OttieniStringaxLunghezzaKey),
-                      S(GetTrackAddress),
-                      S(SetTrackAddress),
-                      S(GetTrackTelephone),
-                      S(SetTrackTelephone),
-                      S(GetTrackURL),
-                      S(SetTrackURL),
-                      S(GetTrackPostalCode),
-                      S(SetTrackPostalCode),
-                      S(GetLarghezzaPista),
-                      S(SetLarghezzaPista),
-                      S(GetTrackLogo),
-                      S(GetTrackLogoBuffer),
-                      S(SetTrackLogo),
-                      S(GetTrackLenght),
-                      S(GetTrackLenghtKey),
-                      S(SetTrackLenght),
-                      S(GetTrackAnglePlot),
-                      S(SetTrackAnglePlot),
-                      S(IsTrackChiuso),
-                      S(GetIdxVariante),
-                      S(AggiornaDataModifica),
-                      S(IsTrackObsoleta),
-                      S(GetLineeSplitLLH),
-                      S(SetLineeSplitLLH),
-                      S(ClearLineaSplitLLH),
-                      S(GetTrackNomignolo),
-                      S(GetTrackTimeZone),
-                      S(GetNomeXDevice),
-                      S(SetNomeXDevice),
-                      S(IsGood),
-                      S(IsVekTrack),
-                      S(IsDevTrack),
-                      S(IsUserCreatedNewTrack),
-                      S(GetGuidNomeFile),
-                      S(GetNomeFileDaFileSystem)});
+  SLOTS(0, S(GetTagInfo), S(GetNomePista), S(GetTrackNameCompleto), S(IsTrashed), S(GetDateTimeTMModifica),
+        S(GetTrackComment), S(SetTrackComment), S(GetNationCode), S(GetSubNationCode), S(GetCitta),
+        S(GetAuto), S(GetKart), S(GetMoto), S(GetTrackTypeCircuitKey), S(SetTrackTypeCircuitKey),
+        S(GetFondoStradaleKey), S(SetFondoStradaleKey), S(GetTrackIsReadOnly), S(GetStringaVarianti),
+        S(GetNamexSito), S(OttieniStringaxTrackTypeCircuitKey), S(OttieniStringaxFondoStradaleKey),
+        S(OttieniStringaxLunghezzaKey), S(GetTrackAddress), S(SetTrackAddress), S(GetTrackTelephone),
+        S(SetTrackTelephone), S(GetTrackURL), S(SetTrackURL), S(GetTrackPostalCode), S(SetTrackPostalCode),
+        S(GetLarghezzaPista), S(SetLarghezzaPista), S(GetTrackLogo), S(GetTrackLogoBuffer), S(SetTrackLogo),
+        S(GetTrackLenght), S(GetTrackLenghtKey), S(SetTrackLenght), S(GetTrackAnglePlot),
+        S(SetTrackAnglePlot), S(IsTrackChiuso), S(GetIdxVariante), S(AggiornaDataModifica),
+        S(IsTrackObsoleta), S(GetLineeSplitLLH), S(SetLineeSplitLLH), S(ClearLineaSplitLLH),
+        S(GetTrackNomignolo), S(GetTrackTimeZone), S(GetNomeXDevice), S(SetNomeXDevice), S(IsGood),
+        S(IsVekTrack), S(IsDevTrack), S(IsUserCreatedNewTrack), S(GetGuidNomeFile),
+        S(GetNomeFileDaFileSystem));
 #undef CLS
 #define CLS IFileTkk
   // Inherited operations keep their slots in the file's table; 58 and 59 are
   // the two destructor entries.
-  ExpectSlotsFrom(57, {S(GetNomeFileDaFileSystem)});
+  SLOTS(57, S(GetNomeFileDaFileSystem));
   using StrBeacon = void (IFileTkk::*)(std::string&) const;
   using StrBeaconOf = void (IFileTkk::*)(std::string&, _eTipoBeaconDaUsare) const;
-  ExpectSlotsFrom(
-      60, {S(GetVariantiTrack),
-           S(IsOpenTrack),
-           S(HasShape),
-           S(GetIdxMainVariante),
-           S(SetNationCode),
-           S(SetNamexSito),
-           S(SetSubNationCode),
-           S(SetCitta),
-           S(SetTagInfoFile),
-           S(GetTagInfoFile),
-           S(AddTagDatiPlus),
-           S(AddDatiFondoStradale),
-           S(AddTagDatiPuntiTracciato),
-           S(AddTagDatiLogo),
-           S(AddTagInfoVariante),
-           S(GetGuidVariante),
-           S(GetTagsInfoVarianti),
-           S(GetTagInfoVariante),
-           S(LeggiFile),
-           S(SalvaFileInPath),
-           S(SalvaFileInPathLogoEsterno),
-           S(GetDimTkk),
-           S(AssegnaPtrPunti),
-           S(RemoveShape),
-           S(AssignTrackLength),
-           S(TrasformaPistaUtenteInVek),
-           S(TrasformaSetDiBeacon),
-           S(TrasformaPistaInVek),
-           S(SetBaricentro),
-           S(IsVekTrackWithCorrectBeaconType),
-           S(GetTimeZone),
-           S(GetDeltaMin),
-           S(SetTimezone),
-           S(SetDeltaMin),
-           Op{"GetStrBeaconType(text)", Slot(static_cast<StrBeacon>(&IFileTkk::GetStrBeaconType))},
-           S(CanUseBeaconTypeMagnetic),
-           S(AreEqualBeacons),
-           S(AreCoherentBeacons),
-           S(BaricentroCoerente),
-           Op{"GetStrBeaconType(text, type)", Slot(static_cast<StrBeaconOf>(&IFileTkk::GetStrBeaconType))}});
+  SLOTS(60, S(GetVariantiTrack), S(IsOpenTrack), S(HasShape), S(GetIdxMainVariante), S(SetNationCode),
+        S(SetNamexSito), S(SetSubNationCode), S(SetCitta), S(SetTagInfoFile), S(GetTagInfoFile),
+        S(AddTagDatiPlus), S(AddDatiFondoStradale), S(AddTagDatiPuntiTracciato), S(AddTagDatiLogo),
+        S(AddTagInfoVariante), S(GetGuidVariante), S(GetTagsInfoVarianti), S(GetTagInfoVariante),
+        S(LeggiFile), S(SalvaFileInPath), S(SalvaFileInPathLogoEsterno), S(GetDimTkk), S(AssegnaPtrPunti),
+        S(RemoveShape), S(AssignTrackLength), S(TrasformaPistaUtenteInVek), S(TrasformaSetDiBeacon),
+        S(TrasformaPistaInVek), S(SetBaricentro), S(IsVekTrackWithCorrectBeaconType), S(GetTimeZone),
+        S(GetDeltaMin), S(SetTimezone), S(SetDeltaMin), Slot(StrBeacon(&IFileTkk::GetStrBeaconType)),
+        S(CanUseBeaconTypeMagnetic), S(AreEqualBeacons), S(AreCoherentBeacons), S(BaricentroCoerente),
+        Slot(StrBeaconOf(&IFileTkk::GetStrBeaconType)));
 #undef CLS
 #define CLS IFileRiassuntivo
   // 0 and 1 are the two destructor entries.
-  ExpectSlotsFrom(2, {S(ConfrontaConAltro),
-                      S(ConfrontaConAltroEsteso),
-                      S(SalvaFileDev),
-                      S(CreaFileAlfabSortedSenzaNazione),
-                      S(CreaFileAlfabSortedConNazione),
-                      S(CreaFileLatLonSorted),
-                      S(CreaFileGuidSorted),
-                      S(AddVarianteTkk),
-                      S(DelFileTkk),
-                      S(IsThisFileTkkHere),
-                      S(GetDatiRiassuntivi),
-                      S(GetDatoRiassuntivo),
-                      S(GetNumRiassuntivi),
-                      S(LeggiRiassuntivo),
-                      S(GetDatoRiassuntivoNearest),
-                      S(getNearestTracksByHeaversine),
-                      S(CreaFileAlfabSortedConNazioneTestuale),
-                      S(AddFromDir),
-                      S(CreaDaDirettorio),
-                      S(AggiungiDaDirettorio)});
+  SLOTS(2, S(ConfrontaConAltro), S(ConfrontaConAltroEsteso), S(SalvaFileDev),
+        S(CreaFileAlfabSortedSenzaNazione), S(CreaFileAlfabSortedConNazione), S(CreaFileLatLonSorted),
+        S(CreaFileGuidSorted), S(AddVarianteTkk), S(DelFileTkk), S(IsThisFileTkkHere), S(GetDatiRiassuntivi),
+        S(GetDatoRiassuntivo), S(GetNumRiassuntivi), S(LeggiRiassuntivo), S(GetDatoRiassuntivoNearest),
+        S(getNearestTracksByHeaversine), S(CreaFileAlfabSortedConNazioneTestuale), S(AddFromDir),
+        S(CreaDaDirettorio), S(AggiungiDaDirettorio));
 #undef CLS
 }
 

