@@ -174,6 +174,7 @@ TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
       "export " + track + " --format shp",
       "guid decode 0000000Z",
       "summary list " + in + "/missing.bin",
+      "summary list " + in,
       "summary list " + write("cut.bin", std::string(200, 'x')),
       "nearest " + empty + " 91 9",
       "nearest " + empty + " 45 9 --within -5",
@@ -189,6 +190,8 @@ TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
     EXPECT_EQ(r.err.rfind("tkk: ", 0), 0u) << r.err;
   }
   EXPECT_TRUE(Entries(out).empty());
+  // The damaged track beside the good one is skipped (status 1): a summary of one record.
+  EXPECT_EQ(Tkk("summary build " + in + " -o " + FreshDir("bad-one")).status, 1);
 }
 
 TEST(TkkEndToEnd, CheckFailsWithStatusOneAndVerboseShowsTheLibrarysReports) {
