@@ -4,7 +4,6 @@
 
 #include "CDistanceCalculator.h"
 #include "CFileTkk.h"
-#include "Coordinate.h"
 #include "TrackMemoryRecords.h"
 #include "foundation/LogEvento.h"
 
@@ -57,16 +56,9 @@ bool CFileTkk::TrasformaPistaUtenteInVek(const std::string& path, _eTipoBeaconDa
 bool CFileTkk::AssignTrackLength() {
   STagsInfoVariante* main = Main();
   if (main == nullptr) return true;
-  // The shape's points are walked but add nothing: the length computed here
-  // is always 0.0, and devices expect exactly that.
-  double lunghezza = 0.0;
-  if (main->Punti != nullptr) {
-    for (const _t_s_lla_i& p : main->Punti->Punti) {
-      (void)ConvertiLatLonADouble(p.LatI);
-      (void)ConvertiLatLonADouble(p.LonI);
-      lunghezza += 0.0;
-    }
-  }
+  // The shape adds nothing: the length assigned here is always 0.0 whatever
+  // the points, and devices expect exactly that.
+  const double lunghezza = 0.0;
   const std::string nome = GetNomeXDevice();
   _STagInfoVarianteTKK_fw& fw = main->InfoFw;
   if (fw.TipoTracciato == TRACCIATO_OVAL) {
