@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -20,14 +19,12 @@
 #include "CFileTkk.h"
 #include "Coordinate.h"
 #include "GuidNomeFile.h"
-#include "GuidTkk.h"
 #include "TrackMemoryRecords.h"
 #include "platform/IAtomTagEncoderBin.h"
 #include "support/EvtLogRecorder.h"
 #include "support/FakeClock.h"
 #include "support/PlatformFaults.h"
 #include "support/TrackFixtures.h"
-#include "tkkFlat.h"
 
 namespace {
 
@@ -36,19 +33,18 @@ using Fw = _STagInfoVarianteTKK_fw;
 using Idx = _STagIndexesVarianteTKK;
 using Texts = std::vector<std::string>;
 
-Bytes Raw(const void* p, size_t n) {
-  return Bytes(static_cast<const unsigned char*>(p), static_cast<const unsigned char*>(p) + n);
-}
+// The bytes of `n` records from `first` on.
 template <typename T>
-Bytes BytesOf(const T& record) {
-  return Raw(&record, sizeof record);
-}
-std::unique_ptr<CFileTkk> Empty(bool readOnly = false, bool dev = false) {
-  return std::unique_ptr<CFileTkk>(static_cast<CFileTkk*>(IFileTkk::CreateMe(readOnly, dev)));
+Bytes BytesOf(const T& first, size_t n = 1) {
+  const auto* p = reinterpret_cast<const unsigned char*>(&first);
+  return Bytes(p, p + n * sizeof first);
 }
 _SDatoCoordinateBeacon Line(int32_t lat, int32_t lon, uint32_t width = 0, int32_t alt = 0) {
   _SDatoCoordinateBeacon l;
-  l.LatI = lat, l.LonI = lon, l.AltI = alt, l.LarghezzaPista = width;
+  l.LatI = lat;
+  l.LonI = lon;
+  l.AltI = alt;
+  l.LarghezzaPista = width;
   return l;
 }
 // The events recorded since the last reset, one "SEVERITY message" each.
@@ -57,6 +53,20 @@ Texts Reports() {
   for (const evtrec::Event& e : evtrec::Events()) out.push_back(e.severity + " " + e.Message());
   return out;
 }
+
+// A record of the document: zero-filled, little-endian integers and texts
+// at their offsets.
+struct Rec {
+  Bytes b;
+  Rec& Put(size_t at, uint64_t v, int bytes = 4) {
+    for (int i = 0; i < bytes; ++i) b[at + static_cast<size_t>(i)] = static_cast<unsigned char>(v >> (8 * i));
+    return *this;
+  }
+  Rec& Text(size_t at, const std::string& s) {
+    std::copy(s.begin(), s.end(), b.begin() + static_cast<long>(at));
+    return *this;
+  }
+};
 
 // Composes a track file atom by atom, with any tag and payload.
 struct FileBuilder {
@@ -71,11 +81,8 @@ struct FileBuilder {
   FileBuilder& Fw(const char* device = "") {
     _STagInfoVarianteTKK_fw fw;
     memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
-    return Atom("Vnfo", (strcpy(fw.NomeXDevice, device), &fw), sizeof fw);
-  }
-  FileBuilder& Sw(const char* name) {
-    _STagInfoVarianteTKK_sw sw;
-    return Atom("V_sw", strcpy(sw.NomePista, name), sizeof sw);
+    strcpy(fw.NomeXDevice, device);
+    return Atom("Vnfo", &fw, sizeof fw);
   }
   FileBuilder& Idx(uint16_t punti = 0xFFFF, uint16_t logo = 0xFFFF, uint16_t surfaces = 0xFFFF) {
     const uint16_t idx[4] = {surfaces, punti, logo, 0xFFFF};  // surfaces, shape, logo, texts
@@ -93,8 +100,6 @@ class TrackFile : public ::testing::Test {
   void SetUp() override { evtrec::Reset(true); }
   void TearDown() override {
     evtrec::Reset(false);
-    faults::FailDecoderCreation(false);
-    faults::FailEncoderCreation(false);
     faults::PlainContainer(false);
   }
   std::string Write(const Bytes& bytes, const std::string& name = "0k3f9zq1.tkk") {
@@ -117,14 +122,13 @@ class TrackFile : public ::testing::Test {
 // Each failure gives one report and leaves no variant, also in an object
 // that held a good track before; the file's size is kept all the same.
 TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
-  const Bytes good = FileBuilder().Info().Fw().Sw("GP").Idx().bytes;
-  // Five bytes are too short for another atom; a 4 GB size field is refused, not allocated.
-  Bytes hugeSize = good, trailing = good;
-  trailing.resize(good.size() + 5), hugeSize[6] = hugeSize[7] = 0xFF;
-  const auto flip = [](Bytes b, size_t fromEnd) {
-    b[b.size() - fromEnd] ^= 1;
+  const Bytes good = FileBuilder().Info().Fw().Idx().bytes;
+  const auto flip = [](Bytes b, size_t fromEnd, unsigned char mask = 1) {
+    b[b.size() - fromEnd] ^= mask;
     return b;
   };
+  Bytes trailing = good;  // five bytes are too short for another atom
+  trailing.resize(good.size() + 5);
   const std::string interpret = "Can't interpret file ";
   const std::tuple<const char*, Bytes, std::string> cases[] = {
       // the path follows a message ending in ' '
@@ -138,7 +142,8 @@ TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
        flip(FileBuilder().Info().Fw().Idx(0xFFFF, 0).Logo("a.png", Bytes(40000, 7)).bytes, 10), interpret},
       {"bad CRC at the end of an unknown atom",
        flip(FileBuilder().Info().Fw().Idx().Atom("zzz", Bytes(40000, 7).data(), 40000).bytes, 10), interpret},
-      {"size field beyond the file", hugeSize, interpret},
+      // a 4 GB size field in a small file is refused, not allocated
+      {"size field beyond the file", flip(good, good.size() - 7, 0xFF), interpret},
       {"last byte missing", Bytes(good.begin(), good.end() - 1), interpret},
       {"bytes after the last atom", trailing, interpret},
       {"Ptkk of 267 bytes, so none", FileBuilder().Atom("Ptkk", good.data(), 267).bytes, interpret},
@@ -189,13 +194,11 @@ TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
 // the track. Variants whose indexes name nothing are skipped. The current
 // "Vnfo" and "V_sw" carry over to the next "Vidx".
 TEST_F(TrackFile, MalformedButReadableFiles) {
-  const Bytes big(40000, 1);
+  const Bytes big(40000, 1), ring = Rec{Bytes(256)}.Text(0, "Ring").b;
   const std::tuple<const char*, Bytes, Texts> cases[] = {
       // device/track name of each variant
-      {"unknown tag", FileBuilder().Info().Atom("zzz", big.data(), 256).Fw().Idx().bytes, {"/"}},
       {"large unknown atom", FileBuilder().Info().Atom("zzz", big.data(), 40000).Fw().Idx().bytes, {"/"}},
       {"V_sw of wrong size", FileBuilder().Info().Fw().Atom("V_sw", "x", 1).Idx().bytes, {"/"}},
-      {"64 road surfaces", FileBuilder().Info().Fw().Atom("srfs", big.data(), 256).Idx().bytes, {"/"}},
       {"index out of range",
        FileBuilder().Info().Points(2).Points(3).Fw().Idx(3).Fw("B").Idx(1).bytes,
        {"B/"}},
@@ -210,7 +213,7 @@ TEST_F(TrackFile, MalformedButReadableFiles) {
        FileBuilder().Info().Logo(std::string(20000, 'n'), Bytes(20, 1)).Fw().Idx(0xFFFF, 0).bytes,
        {"/", "20"}},
       {"one V_sw for two variants",
-       FileBuilder().Info().Fw("A").Sw("Ring").Idx().Fw("B").Idx().bytes,
+       FileBuilder().Info().Fw("A").Atom("V_sw", ring.data(), 256).Idx().Fw("B").Idx().bytes,
        {"A/Ring", "B/Ring"}},
       {"two Vidx after one Vnfo", FileBuilder().Info().Fw("A").Fw("B").Idx().Idx().bytes, {"B/", "B/"}},
   };
@@ -229,27 +232,19 @@ TEST_F(TrackFile, MalformedButReadableFiles) {
 }
 
 // The file-system name is kept when it has eight characters; the flags of a
-// valid name tell a maker's track from a development one, and a name that is
-// none leaves both unset.
+// generated name tell a maker's track from a development one.
 TEST_F(TrackFile, NameOnDiskAndFlagsFromTheName) {
   const Bytes bytes = FileBuilder().Info().Fw().Idx().bytes;
   const std::pair<const char*, const char*> cases[] = {
-      {"ABCDEFGH.tkk", "ABCDEFGH"}, {"ABC.tkk", ""}, {"ABCDEFGHI.tkk", ""}, {"0k3f9zq1.tkk", "0k3f9zq1"}};
-  for (const auto& c : cases) {
+      {"ABCDEFGH.tkk", "ABCDEFGH"}, {"ABC.tkk", ""}, {"ABCDEFGHI.tkk", ""}};
+  for (const auto& [file, kept] : cases) {
     char name[8];  // no terminator when full
-    std::unique_ptr<CFileTkk> track = Open(Write(bytes, c.first));
-    track->GetNomeFile(name);
-    EXPECT_EQ(std::make_tuple(std::string(name, strnlen(name, 8)), track->IsVekTrack(), track->IsDevTrack()),
-              std::make_tuple(std::string(c.second), c.second[0] == '0', false))
-        << c.first;
+    Open(Write(bytes, file))->GetNomeFile(name);
+    EXPECT_EQ(std::string(name, strnlen(name, 8)), kept) << file;
   }
-  const tm when = {};
   for (int flags = 0; flags < 4; ++flags) {
-    unsigned char value[8];
-    char name[9];
-    tkkGenerateGuidNomeFile(value, flags & 1, flags >> 1, &when, 0);
-    tkkGetNomeFileFromGuid(name, value);
-    std::unique_ptr<CFileTkk> track = Open(Write(bytes, std::string(name) + ".tkk"));
+    const std::string name = IGuidNomeFile::GetNomeFile(flags & 1, flags >> 1);
+    std::unique_ptr<CFileTkk> track = Open(Write(bytes, name + ".tkk"));
     EXPECT_EQ(std::make_tuple(track->IsVekTrack(), track->IsDevTrack(), track->IsGood()),
               std::make_tuple((flags & 1) == 1, flags >> 1 == 1, flags != 3))
         << name;
@@ -258,9 +253,8 @@ TEST_F(TrackFile, NameOnDiskAndFlagsFromTheName) {
 
 // Images are written beside the track, unless too short (five bytes) or
 // named outside its directory; a read without logos reads none and does not
-// check the logo index. An existing image stays; with nuovoNomeLogo a
-// numbered copy is made, also when a dangling link holds the name.
-TEST_F(TrackFile, LogosAreWrittenBesideTheTrackOrKeptInMemory) {
+// check the logo index.
+TEST_F(TrackFile, LogosBesideTheTrackInMemoryOrNumberedWithOneProbeEach) {
   const std::pair<std::string, Bytes> memoryOnly[] = {{"tiny.png", {1, 2, 3, 4, 5}},
                                                       {"../escaped.png", Bytes(20, 7)}};
   for (const auto& c : memoryOnly) {
@@ -275,50 +269,34 @@ TEST_F(TrackFile, LogosAreWrittenBesideTheTrackOrKeptInMemory) {
   EXPECT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == 1 &&
               track->GetTrackLogoBuffer() == nullptr && dir_.Entries().size() == 1);
 
-  const Bytes image = {1, 2, 3, 4, 5, 6, 7};
-  const std::string path = Write(FileBuilder().Info().Logo("badge.png", image).Fw().Idx(0xFFFF, 0).bytes),
-                    badge = dir_.path() + "badge.png";
-  track = Open(path);
-  EXPECT_TRUE(track->LeggiFile(path, false) && *track->GetTrackLogo() == badge);
-  EXPECT_EQ(fixtures::ReadAll(badge), image);
-  ASSERT_EQ(0, unlink(badge.c_str()) + symlink("nowhere", badge.c_str()));
-  EXPECT_TRUE(track->LeggiFile(path, true));
-  EXPECT_EQ(dir_.Entries(), (Texts{"0k3f9zq1.tkk", "badge.png", "badge1.png"}));
-  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge1.png"), image);
-}
-
-// Each image of a name looks for its number from where the previous one
-// stopped: a file with many logos of one name used to probe 1, 2, ... again
-// for every logo, quadratic in their number. One probe per logo.
-TEST_F(TrackFile, NumberedLogoNamesAreProbedOnce) {
-  constexpr unsigned kLogos = 200;
+  // An existing image stays. With nuovoNomeLogo each image of a name gets
+  // the next free number, also when a dangling link holds the name: one
+  // probe per logo (a file of many logos of one name used to probe 1, 2, ...
+  // again for every logo, quadratic in their number).
   FileBuilder file = FileBuilder().Info();
-  for (unsigned i = 0; i < kLogos; ++i) file.Logo("badge.png", Bytes(8, static_cast<unsigned char>(i)));
-  const std::string path = Write(file.Fw().Idx(0xFFFF, 0).bytes);
-  std::unique_ptr<CFileTkk> track = Open(path);
+  for (unsigned char i = 0; i < 200; ++i) file.Logo("badge.png", Bytes(8, i));
+  const std::string path = Write(file.Fw().Idx(0xFFFF, 0).bytes), badge = dir_.path() + "badge.png";
+  track = Open(path);
+  EXPECT_EQ(std::make_pair(*track->GetTrackLogo(), fixtures::ReadAll(badge)),
+            std::make_pair(badge, Bytes(8, 0)));
+  ASSERT_EQ(0, unlink(badge.c_str()) + symlink("nowhere", badge.c_str()));
   faults::ResetAccessCount();
   ASSERT_TRUE(track->LeggiFile(path, true));
-  EXPECT_EQ(faults::AccessCount(), kLogos);
-  // badge.png held logo 0 from the first read, this read numbered all 200 from badge1.png on.
-  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge200.png"), Bytes(8, kLogos - 1));
-  EXPECT_EQ(dir_.Entries().size(), kLogos + 2);
+  EXPECT_EQ(faults::AccessCount(), 200u);
+  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge200.png"), Bytes(8, 199));
+  EXPECT_EQ(dir_.Entries().size(), 202u);
 }
 
 TEST_F(TrackFile, FileOffsetsKeptAsSummariesRecordThem) {
   std::unique_ptr<CFileTkk> track =
       Open(Write(FileBuilder().Info().Fw().Idx(0).Fw().Idx().Fw().Idx(1).Points(10).Points(3).bytes));
-  ASSERT_EQ(track->GetTagsInfoVarianti().size(), 3u);
-  // Variants -1, 0, 1, 3 and 4; variant 1 (the second Vnfo) has no shape.
-  const uint32_t first = 8 + 4 + 268, firstPts = first + 3 * (3 * 8 + 3 * 4 + 740),
-                 second = firstPts + 8 + 120 + 4;
-  std::vector<uint32_t> fw, pts;
-  for (int i : {-1, 0, 1, 3, 4})
-    fw.push_back(track->GetOffsetDatiFw(static_cast<short>(i))),
-        pts.push_back(track->GetOffsetPti(static_cast<short>(i)));
-  EXPECT_EQ(fw, (std::vector<uint32_t>{first, first, first + 740 + 3 * 4 + 3 * 8, 8 + 4 + 1008 + 12 + 3 * 24u,
-                                       first}));
-  EXPECT_EQ(pts, (std::vector<uint32_t>{0, firstPts, second, 0, 0}));
-  EXPECT_EQ(track->GetOffsetPti(2), second);
+  // Variants -1 to 4 (fixed part, shape); variant 1 has no shape. Past the
+  // second variant the fixed part's offset adds only headers.
+  const uint32_t first = 8 + 4 + 268, pts0 = first + 3 * (3 * 8 + 3 * 4 + 740), pts1 = pts0 + 8 + 120 + 4;
+  std::vector<std::pair<uint32_t, uint32_t>> offsets;
+  for (short i = -1; i <= 4; ++i) offsets.emplace_back(track->GetOffsetDatiFw(i), track->GetOffsetPti(i));
+  EXPECT_EQ(offsets, (std::vector<std::pair<uint32_t, uint32_t>>{
+                         {first, 0}, {first, pts0}, {1056, pts1}, {1080, pts1}, {1104, 0}, {first, 0}}));
   EXPECT_EQ(Open(Write(FileBuilder().Info().Fw().Idx().bytes))->GetOffsetPti(0), 0u);
 }
 
@@ -357,7 +335,8 @@ TEST_F(TrackFile, RandomTracksComeBackByteForByte) {
   fixtures::WriteAll(bad, Bytes(100, 0x55));
   std::unique_ptr<CFileTkk> again = fixtures::MakeSmallTrack();
   STagDatiPlus plus;
-  again->AddTagDatiPlus((plus.Comment = "built", plus));
+  plus.Comment = "built";
+  again->AddTagDatiPlus(plus);
   for (uint32_t seed = 1; seed <= 12; ++seed) {
     SCOPED_TRACE(seed);
     std::unique_ptr<CFileTkk> built = fixtures::MakeRandomTrack(seed);
@@ -394,13 +373,11 @@ TEST_F(TrackFile, GeneratedNamesNeverReplaceATrack) {
     ASSERT_EQ(0, c[3] ? unlink(taken.c_str()) + symlink("nowhere", taken.c_str()) : 0);
     CFileTkk& again = c[3] ? *first : *second;
     const std::string b = again.SalvaFileInPath(dir.path(), nullptr);
-    const long long waits = fakeclock::UsleepCalls(), waited = fakeclock::UsleepMicros();
+    const long long waits = fakeclock::UsleepCalls();
     fakeclock::Reset();
     faults::NoHardLinks(false);
-    ASSERT_EQ(a.size() + b.size(), 16u);
-    EXPECT_EQ(std::make_pair(waits > 0, waited), std::make_pair(true, 25000 * waits));
+    EXPECT_TRUE(waits > 0);
     EXPECT_EQ(dir.Entries(), (Texts{std::min(a, b) + ".tkk", std::max(a, b) + ".tkk"}));
-    EXPECT_EQ(std::string(first->GetTagInfoFile().GuidNomeFile, 8), c[3] ? b : a);
     std::unique_ptr<CFileTkk> read = Open(dir.path() + b + ".tkk");
     EXPECT_EQ(std::make_tuple(read->IsVekTrack(), read->IsDevTrack(), SaveIn(*read, dir_.path())),
               std::make_tuple(c[2], false, SaveIn(again, dir_.path())));
@@ -425,12 +402,6 @@ TEST_F(TrackFile, LogosOfNineBytesOrLessAreNotSaved) {
   EXPECT_EQ(dir_.Entries(), (Texts{"0k3f9zq1.tkk", "big.png", "logo0002.png", "logo0002.tkk"}));
   EXPECT_TRUE(fixtures::ReadAll(dir_.path() + "logo0002.png") == Bytes(10, 2) &&
               Open(dir_.path() + "logo0002.tkk")->GetTagsInfoVarianti().size() == 1);
-  // Without an encoder no file is written, and nothing is reported.
-  faults::FailEncoderCreation(true);
-  EXPECT_EQ(track->SalvaFileInPath(dir_.path(), &name_) + track->SalvaFileInPath(dir_.path(), nullptr) +
-                track->SalvaFileInPathLogoEsterno(dir_.path(), "other"),
-            "");
-  EXPECT_TRUE(dir_.Entries().size() == 4 && evtrec::Events().empty());
 }
 
 // --- The golden file --------------------------------------------------------
@@ -445,20 +416,6 @@ uint32_t Crc32(const unsigned char* p, size_t n) {
   return ~crc;
 }
 
-// A record of the document: zero-filled, little-endian integers and texts
-// at their offsets.
-struct Rec {
-  Bytes b;
-  Rec& Put(size_t at, uint64_t v, int bytes = 4) {
-    for (int i = 0; i < bytes; ++i) b[at + static_cast<size_t>(i)] = static_cast<unsigned char>(v >> (8 * i));
-    return *this;
-  }
-  Rec& Text(size_t at, const std::string& s) {
-    std::copy(s.begin(), s.end(), b.begin() + static_cast<long>(at));
-    return *this;
-  }
-};
-
 // Header (tag zero-padded, size), payload, CRC of header and payload.
 void Atom(Bytes& file, const std::string& tag, const Bytes& payload) {
   Rec a{Bytes(8 + payload.size() + 4)};
@@ -468,7 +425,6 @@ void Atom(Bytes& file, const std::string& tag, const Bytes& payload) {
 }
 
 TEST_F(TrackFile, SmallTrackFileComposedFromTheDocument) {
-  EXPECT_EQ(Crc32(reinterpret_cast<const unsigned char*>("123456789"), 9), 0xCBF43926u);
   Bytes srfs;  // the document's example atom
   Atom(srfs, "srfs", Rec{Bytes(4)}.Put(0, 1).b);
   EXPECT_EQ(srfs, (Bytes{0x73, 0x72, 0x66, 0x73, 4, 0, 0, 0, 1, 0, 0, 0, 0xe1, 0x9c, 0x6e, 0xa7}));
@@ -481,22 +437,15 @@ TEST_F(TrackFile, SmallTrackFileComposedFromTheDocument) {
   for (size_t k = 0; k < 9; ++k) pts.Put(4 * k, shape[k]);
   const Bytes ptkk = Rec{Bytes(268)}.Text(4, "Monza").Text(260, name_).b,
               vsw = Rec{Bytes(256)}.Text(0, "GP").b;
-  const Bytes vnfo = Rec{Bytes(476)}
-                         .Text(0, "Monza GP")
-                         .Text(28, "ITA")
-                         .Text(32, "MB")
-                         .Put(60, 50)
-                         .Put(72, 1)
-                         .Put(78, 4, 1)
-                         .Put(468, 0x0000123456780001ull, 8)
-                         .b;
+  Rec vnfo{Bytes(476)};  // name, nation codes, time zone, circuit type, line type, GUID
+  vnfo.Text(0, "Monza GP").Text(28, "ITA").Text(32, "MB").Put(60, 50).Put(72, 1).Put(78, 4, 1);
+  vnfo.Put(468, 0x0000123456780001ull, 8);
   const Bytes vidx = Rec{Bytes(8)}.Put(4, 0xFFFF, 2).Put(6, 0xFFFF, 2).b;  // surfaces 0, shape 0, logo, texts
   Bytes file;
   for (const auto& [tag, payload] : std::vector<std::pair<std::string, Bytes>>{
-           {"Ptkk", ptkk}, {"Vnfo", vnfo}, {"V_sw", vsw}, {"Vidx", vidx}, {"pts", pts.b}})
+           {"Ptkk", ptkk}, {"Vnfo", vnfo.b}, {"V_sw", vsw}, {"Vidx", vidx}, {"pts", pts.b}})
     Atom(file, tag, payload);
   file.insert(file.end(), srfs.begin(), srfs.end());
-  ASSERT_EQ(file.size(), 1120u);
 
   // Saving the small track writes exactly these bytes...
   std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
@@ -506,8 +455,8 @@ TEST_F(TrackFile, SmallTrackFileComposedFromTheDocument) {
   ASSERT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == 1);
   const STagsInfoVariante& v = *track->GetTagInfo();
   EXPECT_EQ(std::make_tuple(BytesOf(track->GetTagInfoFile()), BytesOf(v.InfoFw), BytesOf(v.InfoSw),
-                            BytesOf(v.Indici), Raw(v.Punti->Punti.data(), 36)),
-            std::make_tuple(ptkk, vnfo, vsw, vidx, pts.b));
+                            BytesOf(v.Indici), BytesOf(v.Punti->Punti[0], 3)),
+            std::make_tuple(ptkk, vnfo.b, vsw, vidx, pts.b));
   EXPECT_EQ(v.Punti->Punti.size() * 100 + v.FondiStradali->Fondi.size() * 10 + v.FondiStradali->Fondi[0],
             311u);
 }
@@ -546,57 +495,38 @@ TEST_F(TrackEdit, AssigningTheLengthReportsEachChangeOnce) {
   t->SetTrackTypeCircuitKey(TRACCIATO_OVAL);
   const auto halfMile = LUNGHEZZA_1_2_MI;
   t->SetTrackLenght(&halfMile, nullptr);
-  ASSERT_EQ(t->GetTrackLenght(), 804.0f);
   EXPECT_TRUE(t->AssignTrackLength());
-  EXPECT_EQ(std::make_pair(unsigned{t->GetTrackLenghtKey()}, t->GetTrackLenght()),
-            std::make_pair(0u, 0.0f));  // the shape adds nothing to the length
-  const std::string length = "INFO for track 'Monza GP' changed length for track from 804.00 m to 0.00 m";
   EXPECT_EQ(Reports(),
             (Texts{"INFO for track 'Monza GP' changed fractionary length for track from 1/2 mi to custom",
-                   length}));
-  EXPECT_EQ(evtrec::Events()[0].priority, 6);
+                   "INFO for track 'Monza GP' changed length for track from 804.00 m to 0.00 m"}));
   EXPECT_TRUE(t->AssignTrackLength() && evtrec::Events().size() == 2);
-  // Other circuit types lose their key without a word.
-  t->SetTrackTypeCircuitKey(TRACCIATO_RACE_TRACK);
-  t->SetTrackLenght(&halfMile, nullptr);
-  evtrec::Reset(true);
-  t->AssignTrackLength();
-  EXPECT_EQ(Reports(), Texts{length});
 }
 
 TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
-  auto dev = Empty(false, true);
+  std::unique_ptr<IFileTkk> dev(IFileTkk::CreateMe(false, true));  // a development track
   Fw fw;
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
-  fw.InfoBeacons.LineeBeacon[3][0] = Line(456200000, 92800000, 12),
+  fw.InfoBeacons.LineeBeacon[3][0] = Line(456200000, 92800000, 12);
   fw.InfoBeacons.LineeBeacon[3][1] = Line(456201000, 92800000, 12);
   ASSERT_TRUE(dev->AddTagInfoVariante("GP", "Monza", fw, Idx()));
-  EXPECT_TRUE(dev->IsUserCreatedNewTrack());
   const Fw source = dev->GetTagInfo()->InfoFw;
   EXPECT_FALSE(dev->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC) ||
                !evtrec::Events().empty());  // false also on success
   const auto files = dir_.Entries();
   ASSERT_EQ(files.size(), 1u);
-  std::unique_ptr<IFileTkk> vek(IFileTkk::CreateMeUponFile(dir_.path() + files[0], false, false));
+  std::unique_ptr<CFileTkk> vek = Open(dir_.path() + files[0]);
   ASSERT_TRUE(vek->IsGood() && vek->IsVekTrack() && !vek->IsUserCreatedNewTrack() &&
               vek->GetTagsInfoVarianti().size() == 1);
-  EXPECT_EQ(vek->GetNomePista() + "/" + vek->GetNomeXDevice(), "GP/Monza");
+  EXPECT_EQ(vek->GetNomePista(), "GP");  // the device name is in the record compared below
   // The source's record but for the optic set (six copies of the finish
-  // line) and the maker bit of the GUID; the source itself is unchanged.
+  // line) and the maker bit of the GUID.
   Fw expected = source;
   for (auto& l : expected.InfoBeacons.LineeBeacon[2]) l = source.InfoBeacons.LineeBeacon[3][0];
   expected.Guid.Byte[5] ^= 0x80;
   EXPECT_EQ(BytesOf(vek->GetTagInfo()->InfoFw), BytesOf(expected));
-  EXPECT_EQ(BytesOf(dev->GetTagInfo()->InfoFw), BytesOf(source));
-  EXPECT_FALSE(
-      Empty(false, true)->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));  // nothing to convert
   EXPECT_FALSE(fixtures::MakeSmallTrack()->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC));
   EXPECT_EQ(std::make_pair(Reports(), dir_.Entries()),
             std::make_pair(Texts{"ERROR La pista e' gia' Vek"}, files));
-  // A maker's track is never a user's, whatever its GUID says.
-  auto maker = Empty(true, false);
-  fw.Guid.Valore = 1ull << 47;
-  EXPECT_TRUE(maker->AddTagInfoVariante("", "", fw, Idx()) && !maker->IsUserCreatedNewTrack());
 }
 
 constexpr double kRefLat = 45.62, kRefLon = 9.28;
@@ -619,14 +549,9 @@ class TrackChecks : public TrackEdit {
 };
 
 TEST_F(TrackChecks, LinesMustLieWithin1000MetresOfTheReferencePoint) {
-  auto e = Empty();  // no variant, or no line at all: nothing to check
-  EXPECT_TRUE(e->BaricentroCoerente(msg_) && e->AreCoherentBeacons(msg_) &&
-              e->AreEqualBeacons(BEACON_OPTIC, msg_) && e->IsVekTrackWithCorrectBeaconType(msg_) &&
-              t_->BaricentroCoerente(msg_));
-  EXPECT_EQ(msg_, "");
   t_->SetLineeSplitLLH(0, North(999.5), BEACON_IN_USO);
   t_->SetLineeSplitLLH(1, North(999.5), BEACON_IN_USO);
-  EXPECT_TRUE(t_->BaricentroCoerente(msg_));
+  EXPECT_TRUE(t_->BaricentroCoerente(msg_) && msg_.empty());
   t_->SetLineeSplitLLH(1, North(1000.5), BEACON_IN_USO);
   EXPECT_FALSE(t_->BaricentroCoerente(msg_));
   EXPECT_EQ(msg_,
@@ -653,8 +578,8 @@ TEST_F(TrackChecks, UnitedStatesLinesLieWest) {
   EXPECT_EQ(msg_, "lap has not coherent coordinate");
 }
 
-// Counts first, then positions (latitude and longitude; height and width do
-// not count), line by line against the user's set.
+// Positions (latitude and longitude; height and width do not count), line by
+// line against the user's set; counts first, as the beacon-type test shows.
 TEST_F(TrackChecks, EqualBeaconsCompareCountsThenPositions) {
   for (unsigned i = 0; i < 3; ++i) Beacons().SetLineeSplitLLH(i, North(i + 1.0), BEACON_USER);
   const _SDatoCoordinateBeacon u0 = Beacons().LineeBeacon[3][0], u1 = Beacons().LineeBeacon[3][1];
@@ -674,9 +599,6 @@ TEST_F(TrackChecks, EqualBeaconsCompareCountsThenPositions) {
                                  : "we have  different " + user + ") in set User and coordinates " +
                                        at(line) + " in set Optic");
   }
-  Beacons().ClearLineaSplitLLH(2, BEACON_OPTIC);
-  EXPECT_FALSE(t_->AreEqualBeacons(BEACON_OPTIC, msg_));
-  EXPECT_EQ(msg_, "we have 3 beacons in set User and 2 beacons in set Optic");
 }
 
 // Scrutineering lines, and magnetic ones on a kart track, pass without a
