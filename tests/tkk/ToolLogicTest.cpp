@@ -64,7 +64,7 @@ std::string Read(const std::string& doc) {
 }
 
 // Forty extra points along the south side would pull a mean of the points
-// south, not the centroid of the outline. A parallel is not a great circle.
+// south, not the centroid of the outline.
 TEST(Geodesy, DistancesCentroidCrossLinesAndProjectionOnTheLibrarysSphere) {
   EXPECT_NEAR(HaversineM({0.0, 179.5}, {0.0, -179.5}), kEarthRadiusM * kDegToRad, 1e-6);
   std::vector<GeoPoint> square = Square(60.0, 10.0), dense(1, square[0]);
