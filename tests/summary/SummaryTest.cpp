@@ -14,15 +14,13 @@
 #include <tuple>
 
 #include "Coordinate.h"
-#include "IFileRiassuntivo.h"
 #include "TrackMemoryRecords.h"
 #include "summary/CFileRiassuntivo.h"
 #include "summary/Riassunto.h"
 #include "support/EvtLogRecorder.h"
 #include "support/TrackFixtures.h"
 
-using fixtures::Bytes;
-using fixtures::ReadAll;
+using namespace fixtures;
 namespace rs = vektkk::riassunto;
 using O = rs::Ordine;
 
@@ -109,9 +107,9 @@ TEST(SummaryOrderings, EachRule) {
 }
 
 TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
-  fixtures::TempDir dir;
+  TempDir dir;
   const std::string nome = "0k3f9zq1";
-  ASSERT_EQ(fixtures::MakeRandomTrack(11)->SalvaFileInPath(dir.path(), &nome), nome);
+  ASSERT_EQ(MakeRandomTrack(11)->SalvaFileInPath(dir.path(), &nome), nome);
   std::unique_ptr<IFileTkk> track(IFileTkk::CreateMeUponFile(dir.path() + nome + ".tkk", true, true));
   std::unique_ptr<IFileTkk> bad(IFileTkk::CreateMeUponFile(dir.path() + "missing.tkk", true, true));
   CFileTkk& file = dynamic_cast<CFileTkk&>(*track);
@@ -147,7 +145,6 @@ TEST(SummaryEdit, DeleteAndFindByFileName) {
       {{"aaaaaaaa"}, "b0"},    {{"aaaaaaaa.tkk"}, "b0"},        {{"abc"}, "abaa"},
       {{"cccccccc"}, "ab0aa"}, {{"bbbbbc9e", "aaaaaaaa"}, "0"}, {{"aaaaaaaa", "x", "", "bbbbbc9e"}, ""}};
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.first[0] + " ... " + c.first.back());
     std::unique_ptr<CFileRiassuntivo> s = Summary({&a, &b, &zero, &a, &a});
     EXPECT_EQ(s->IsThisFileTkkHere(c.first[0]), c.first[0] != "cccccccc");
     for (const std::string& name : c.first) {
@@ -210,9 +207,8 @@ TEST(SummaryCompare, Rules) {
 // an empty a writes no file. Files that are not whole records, or no files,
 // are not read (and the FIFO does not block).
 TEST(SummaryFile, SummaryAndCrossIndexBytesNullEntriesSkippedBadFilesNotRead) {
-  fixtures::TempDir dir;
+  TempDir dir;
   _SDatoRiassuntivo a = Rec("Alfa"), b = Rec("Beta", "ITA", -5, 7, 9, "0k3f9zq1", 3);
-  b.Dummy[43] = 0xEE;  // kept as it is, also on the way back
   CFileRiassuntivo::ScriviRiassuntivo({nullptr, &a, nullptr, &b}, dir.path() + "s");
   EXPECT_EQ(ReadAll(dir.path() + "s"), BytesOf({a, b}));
   std::unique_ptr<IFileRiassuntivo> s(IFileRiassuntivo::CreateMeUponFile(dir.path() + "s"));
@@ -225,7 +221,7 @@ TEST(SummaryFile, SummaryAndCrossIndexBytesNullEntriesSkippedBadFilesNotRead) {
   EXPECT_EQ(ReadAll(dir.path() + "idx"), (Bytes{2, 0, 0xFF, 0xFF, 2, 0, 0, 0}));
   CFileRiassuntivo::CalcolaAndScriviIdx({}, {&x}, dir.path() + "none");
   EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"dev", "idx", "s"}));
-  fixtures::WriteAll(dir.path() + "129", Bytes(129, 1));
+  WriteAll(dir.path() + "129", Bytes(129, 1));
   ASSERT_EQ(mkfifo((dir.path() + "fifo").c_str(), 0600), 0);
   evtrec::Reset();
   for (const char* name : {"129", "s", "missing", "fifo"}) {  // "s" is there, empty
@@ -240,14 +236,13 @@ TEST(SummaryFile, SummaryAndCrossIndexBytesNullEntriesSkippedBadFilesNotRead) {
 // whole records only are read, and every operation works on whatever bytes
 // they hold (the sanitizer run watches the reads).
 TEST(SummaryFile, CutAndFlippedFilesReadAndWork) {
-  fixtures::TempDir dir;
+  TempDir dir;
   const _SDatoRiassuntivo a = Rec("Alfa", "ITA", 456200000, 92800000, 5, "0k3f9zq1", Year(2020)),
                           b = Rec("Beta", "", -5, 7, 9, "0k3f9zq2", 3);
   const Bytes golden = BytesOf({a, b, a});
-  const std::string p = dir.path() + "s";
   auto Try = [&](const Bytes& bytes, size_t records) {
-    fixtures::WriteAll(p, bytes);
-    std::unique_ptr<IFileRiassuntivo> s(IFileRiassuntivo::CreateMeUponFile(p));
+    WriteAll(dir.path() + "s", bytes);
+    std::unique_ptr<IFileRiassuntivo> s(IFileRiassuntivo::CreateMeUponFile(dir.path() + "s"));
     ASSERT_EQ(static_cast<size_t>(s->GetNumRiassuntivi()), records) << bytes.size();
     const _SDatoRiassuntivo* r = &a;  // the accessor stays in the list
     EXPECT_FALSE(s->GetDatoRiassuntivo(r, static_cast<int>(records)) || s->GetDatoRiassuntivo(r, -1) || r);
@@ -273,7 +268,7 @@ TEST(SummaryFile, CutAndFlippedFilesReadAndWork) {
 // Each set written as its records (here by the first letter of their names)
 // and two indexes (positions in the other orders, one digit each).
 TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
-  fixtures::TempDir dir;
+  TempDir dir;
   const std::string p = dir.path();
   // d twice (byte-identical), e once; orders: name e<d, lat d<e, GUID e<d, country d<e.
   const _SDatoRiassuntivo d = Rec("Monza", "FRA", 5, 0, 2), e = Rec("Adria", "ITA", 10, 0, 1),
@@ -298,7 +293,7 @@ TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
 // beyond U+10FFFF); bit fields of the GUID and the date are split; records
 // sort by country, then name.
 TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
-  fixtures::TempDir dir;
+  TempDir dir;
   _SDatoRiassuntivo r = Rec("Mon;za 100%\xC3\x89\xFF\n\xED\xA0\x80\xF4\x90\x80\x80", "ITA", 456200000,
                             92800000, 0x0001800000001234ull, "0k3f9zq1",
                             7u | 5u << 6 | 14u << 12 | 30u << 17 | 4u << 22 | 9u << 26 | 1u << 31);
@@ -335,32 +330,28 @@ TEST(SummaryF1, CircuitsThroughTheSummary) {
   const std::string data = VEKTKK_F1_DATA_DIR;
   if (access((data + "/f1-locations.json").c_str(), R_OK) != 0)
     GTEST_SKIP() << "no f1 circuit outlines at " << data << " (set VEKTKK_F1_DATA)";
-  fixtures::TempDir dir;
+  TempDir dir;
   std::map<std::string, std::string> fileOf;  // circuit id -> track file name
   CFileRiassuntivo summary;
   const nlohmann::json locations = nlohmann::json::parse(std::ifstream(data + "/f1-locations.json"));
   for (const nlohmann::json& loc : locations) {
-    // A track file of the circuit: its shape, a finish line at the first point, its
-    // nation (the upper-case country code of its id) and a reference point at the shape's centre.
+    // A track file of the circuit: its shape, a finish line and the reference
+    // point at the first point, its nation (the upper-case country code of its id).
     const std::string id = loc["id"];
     const nlohmann::json feature =
         nlohmann::json::parse(std::ifstream(data + "/circuits/" + id + ".geojson"))["features"][0];
     const nlohmann::json& points = feature["geometry"]["coordinates"];
     std::vector<_t_s_lla_i> shape;
-    double lat = 0, lon = 0;
-    for (const nlohmann::json& c : points) {
+    for (const nlohmann::json& c : points)
       shape.push_back({ConvertiLatLonAs32(c[1].get<double>()), ConvertiLatLonAs32(c[0].get<double>()), 0});
-      lat += c[1].get<double>() / static_cast<double>(points.size());
-      lon += c[0].get<double>() / static_cast<double>(points.size());
-    }
     std::unique_ptr<IFileTkk> track(IFileTkk::CreateMe(false, false));
     _STagIndexesVarianteTKK idx;
     idx.IdxPunti = track->AddTagDatiPuntiTracciato(shape);
     _STagInfoVarianteTKK_fw fw;
     memset(fw.NationCode, 0, 8);  // and SubNationCode, left alone by the constructor
     for (size_t i = 0; i < 2; ++i) fw.NationCode[i] = static_cast<char>(toupper(id[i]));
-    fw.LatRif = ConvertiLatLonAs32(lat);
-    fw.LonRif = ConvertiLatLonAs32(lon);
+    fw.LatRif = shape[0].LatI;
+    fw.LonRif = shape[0].LonI;
     _SDatoCoordinateBeacon finish;
     finish.LatI = shape[0].LatI;
     finish.LonI = shape[0].LonI;

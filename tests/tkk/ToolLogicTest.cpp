@@ -7,10 +7,8 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <tuple>
@@ -18,7 +16,6 @@
 #include "BadInput.h"
 #include "Catalogue.h"
 #include "Export.h"
-#include "Geodesy.h"
 #include "Import.h"
 #include "NearestTracks.h"
 #include "Projection.h"
@@ -29,25 +26,19 @@
 #include "SummaryDiff.h"
 #include "SummaryRecords.h"
 #include "TrackBuilder.h"
-#include "TrackReader.h"
 #include "Vocabulary.h"
 
 namespace tkk {
 namespace {
 
-// A rough 1.2 km loop near Imola, starting west-bound, and a shorter one.
+// A rough 1.2 km loop near Imola, starting west-bound, and a shorter one; a
+// name to escape.
 const Circuit kTwoLayouts{
-    "Circuito di prova",
+    "Prova & <Co>",
     "",
     "",
-    {{"Lungo", {{44.340, 11.716}, {44.340, 11.712}, {44.343, 11.712}, {44.343, 11.716}}},
+    {{"Lungo", {{44.340, 11.716, 150.0}, {44.340, 11.712}, {44.343, 11.712}, {44.343, 11.716}}},
      {"", {{44.340, 11.716}, {44.341, 11.712}, {44.342, 11.716}}}}};
-
-const Circuit kSample{"Sample & <Co>",
-                      "GB",
-                      "",
-                      {{"GP", {{52.07, -1.02, 150.0}, {52.07, -1.01}, {52.08, -1.01}, {52.08, -1.02}}},
-                       {"National", {{52.07, -1.02}, {52.075, -1.01}, {52.08, -1.02}}}}};
 
 // A square of about 1 km by 1 km at latitude `lat`, drawn counter-clockwise
 // from its south-west corner.
@@ -62,7 +53,6 @@ std::string Read(const std::string& doc) {
   try {
     const Circuit c = doc[0] == '<' ? ParseGpx(doc, "x") : ParseGeoJson(doc, "x");
     std::ostringstream out;
-    out.precision(10);
     out << c.name << "/" << c.nation;
     for (const Layout& l : c.layouts)
       out << " " << l.name << ":" << l.points.size() << "@" << l.points[0].lat << "," << l.points[0].lon
@@ -73,29 +63,17 @@ std::string Read(const std::string& doc) {
   }
 }
 
-// Forty extra points along the south side pull the mean of the points
+// Forty extra points along the south side would pull a mean of the points
 // south, not the centroid of the outline.
-TEST(Geodesy, CentroidIgnoresHowDenselyASideWasDrawn) {
+TEST(Geodesy, DistancesCentroidCrossLinesAndProjectionOnTheLibrarysSphere) {
+  EXPECT_NEAR(HaversineM({0.0, 179.5}, {0.0, -179.5}), kEarthRadiusM * kDegToRad, 1e-6);
   std::vector<GeoPoint> square = Square(60.0, 10.0), dense(1, square[0]);
+  EXPECT_NEAR(ClosedLengthM(square), 4000.0, 1.0);
   for (int i = 1; i <= 40; ++i)
     dense.push_back({square[0].lat, square[0].lon + (square[1].lon - square[0].lon) * i / 41.0});
   dense.insert(dense.end(), square.begin() + 1, square.end());
-  const GeoPoint centre = Centroid(square);
-  EXPECT_NEAR(HaversineM(Centroid(dense), centre), 0.0, 0.5);
-  EXPECT_NEAR(HaversineM(centre, square[0]), 707.0, 2.0);
-  EXPECT_DOUBLE_EQ(Centroid({{1.0, 2.0, 3.0}, {1.0, 2.0, 5.0}}).alt, 4.0);  // no length: the mean
-  for (GeoPoint& p : square) p.alt = 100.0;
-  EXPECT_NEAR(Centroid(square).alt, 100.0, 1e-9);
-}
-
-TEST(Geodesy, DistancesOnTheLibrarysSphereAndCrossLinesAcrossTheDirectionOfTravel) {
-  EXPECT_NEAR(HaversineM({45.0, 9.0}, {46.0, 9.0}), kEarthRadiusM * kDegToRad, 1e-6);
-  EXPECT_NEAR(HaversineM({0.0, 179.5}, {0.0, -179.5}), kEarthRadiusM * kDegToRad, 1e-6);
-  std::vector<GeoPoint> square = Square(52.0, -1.0);
-  const double open = ClosedLengthM(square);
-  EXPECT_NEAR(open, 4000.0, 1.0);
-  square.push_back(square.front());  // already closed: no extra segment
-  EXPECT_NEAR(ClosedLengthM(square), open, 1e-9);
+  EXPECT_NEAR(HaversineM(Centroid(dense), Centroid(square)), 0.0, 0.5);
+  EXPECT_NEAR(HaversineM(Centroid(square), square[0]), 707.0, 2.0);
   square = Square(45.0, 7.0);
   EXPECT_NEAR(TravelBearingDeg(square, square[3]), 180.0, 0.1);  // the last continues with the first
   square.insert(square.begin(), square.front());  // east along the south side, after a repeated point
@@ -107,15 +85,11 @@ TEST(Geodesy, DistancesOnTheLibrarysSphereAndCrossLinesAcrossTheDirectionOfTrave
   const GeoPoint there = Destination({45.0, 7.0}, 123.0, 2500.0);
   EXPECT_NEAR(HaversineM({45.0, 7.0}, there), 2500.0, 1e-6);
   EXPECT_NEAR(BearingDeg({45.0, 7.0}, there), 123.0, 1e-6);
-}
-
-TEST(Projection, KeepsShapeAndScaleFarFromTheEquator) {
   for (double lat : {0.0, 45.0, 70.0}) {
-    const std::vector<GeoPoint> square = Square(lat, 20.0);
+    square = Square(lat, 20.0);
     const AzimuthalEquidistant projection(square[0]);
     const XY east = projection.Project(square[1]), north = projection.Project(square[3]);
     EXPECT_NEAR(east.x, 1000.0, 0.5) << lat;
-    EXPECT_NEAR(east.y, 0.0, 15.0) << lat;  // a parallel is not a great circle
     EXPECT_NEAR(north.x, 0.0, 1e-6) << lat;
     EXPECT_NEAR(north.y, 1000.0, 1e-6) << lat;
   }
@@ -145,67 +119,43 @@ TEST(Import, DocumentsReadAsLayoutsOrNameTheProblem) {
       {R"(<kml/>)", "x: not a GPX document"},
   };
   for (const auto& [doc, read] : cases) EXPECT_EQ(Read(doc), read);
-}
-
-// Features and collections nested some hundred thousand levels deep used to
-// overflow the stack; they are refused (the export round trip reads the
-// nesting a map really uses).
-TEST(Import, DeeplyNestedGeoJsonIsRefused) {
-  const std::string line = R"({"type": "LineString", "coordinates": [[1, 2], [3, 4]]})";
+  // Nesting some hundred thousand levels deep used to overflow the stack:
+  // features and collections are refused past 32 levels.
   for (const char* open :
        {R"({"type": "Feature", "geometry": )", R"({"type": "GeometryCollection", "geometries": [)",
         R"({"type": "FeatureCollection", "features": [)"}) {
-    for (int depth : {33, 200000}) {
-      std::string text;
-      for (int i = 0; i < depth; ++i) text += open;
-      text += line;
-      for (int i = 0; i < depth; ++i) text += open[strlen(open) - 1] == '[' ? "]}" : "}";
-      EXPECT_THROW(ParseGeoJson(text, "x"), BadInput) << open << depth;
-    }
+    std::string text;
+    for (int i = 0; i < 33; ++i) text += open;
+    text += R"({"type": "LineString", "coordinates": [[1, 2], [3, 4]]})";
+    for (int i = 0; i < 33; ++i) text += open[strlen(open) - 1] == '[' ? "]}" : "}";
+    EXPECT_THROW(ParseGeoJson(text, "x"), BadInput) << open;
   }
-}
-
-// The point counts of the exports are checked through GDAL end to end, the
-// pictures' presence in the browser; here what GeoJSON and GPX hold reads
-// back as the same layouts, and where the picture puts the outline.
-TEST(Export, MapsReadBackAsTheSameLayoutsThePictureAsProjected) {
-  const auto track = BuildTrack(kSample, NewTrackOptions());
-  const std::string layouts = " GP:4@52.07,-1.02,150 National:3@52.07,-1.02,0";
-  EXPECT_EQ(Read(ExportTrack(*track, ExportFormat::kGeoJson)), "Sample & <Co>/GB" + layouts);
-  EXPECT_EQ(Read(ExportTrack(*track, ExportFormat::kGpx)), "Sample & <Co>/" + layouts);
-  const std::string svg = RenderSvg(*track, 1);  // the outline and the finish line across it
-  EXPECT_NE(svg.find(" d=\"M237.1,670.0 L562.9,405.0 L237.1,140.0 Z\""), std::string::npos) << svg;
-  EXPECT_NE(svg.find(R"(<line x1="227.7" y1="658.4" x2="246.6" y2="681.6" stroke="#d01010")"),
-            std::string::npos);
-  EXPECT_THROW(RenderSvg(*track, 2), BadInput);
-  const std::pair<double, double> bars[] = {{0.0, 1.0},     {1.0, 1.0},     {480.0, 200.0},
-                                            {999.0, 500.0}, {200.0, 200.0}, {1000.0, 1000.0}};
-  for (const auto& b : bars) EXPECT_EQ(ScaleBarLength(b.first), b.second) << b.first;
 }
 
 // A layout without a name shows the site's name on the logger. On an oval,
 // 1.30 km of outline counts as 8/10 mi while the length stays the measured
-// one; the state comes from the map file, no option overrides it.
-TEST(TrackBuilder, LayoutsBecomeVariantsWithTheirGeometryAndKeys) {
+// one; the state comes from the map file. The exports' point counts are
+// checked through GDAL end to end: here GeoJSON and GPX read back as the same
+// layouts, and the picture puts the outline where the projection does.
+TEST(TrackBuilder, LayoutsBecomeVariantsWithTheirGeometryAndKeysExportAsReadOptionsChecked) {
   NewTrackOptions user, maker;
   user.nation = "IT";
   user.widthM = 15;
   maker.type = TRACCIATO_OVAL;
   maker.maker = true;
-  const Circuit circuit = kTwoLayouts;
-  Circuit us = circuit;
+  Circuit us = kTwoLayouts;
   us.nation = "US";
   us.state = "FL";
-  const auto track = BuildTrack(circuit, user), oval = BuildTrack(us, maker);
+  const auto track = BuildTrack(kTwoLayouts, user), oval = BuildTrack(us, maker);
   ASSERT_EQ(track->GetTagsInfoVarianti().size(), 2u);
   for (size_t i = 0; i < 2; ++i) {
     IVarianteTkk& v = *track->GetVariantiTrack()[i];
     const VariantGeometry g = GeometryOf(v);
-    EXPECT_NEAR(HaversineM(g.reference, Centroid(circuit.layouts[i].points)), 0.0, 0.02);
+    EXPECT_NEAR(HaversineM(g.reference, Centroid(kTwoLayouts.layouts[i].points)), 0.0, 0.02);
     ASSERT_EQ(g.lines.size(), 1u);
-    EXPECT_NEAR(HaversineM(g.lines[0].at, circuit.layouts[i].points[0]), 0.0, 0.02);
+    EXPECT_NEAR(HaversineM(g.lines[0].at, kTwoLayouts.layouts[i].points[0]), 0.0, 0.02);
     EXPECT_EQ(g.lines[0].widthM, 15u);
-    EXPECT_EQ(v.GetNomeXDevice(), i == 0 ? "Lungo" : "Circuito di prova");
+    EXPECT_EQ(v.GetNomeXDevice(), i == 0 ? "Lungo" : "Prova & <Co>");
   }
   EXPECT_NE(track->GetGuidVariante(0).Valore, track->GetGuidVariante(1).Valore);
   const auto keys = [](IFileTkk& t) {
@@ -217,21 +167,25 @@ TEST(TrackBuilder, LayoutsBecomeVariantsWithTheirGeometryAndKeys) {
   EXPECT_EQ(keys(*oval),
             std::make_tuple(-5, int{LUNGHEZZA_8_10_MI}, int{BEACON_SCRUTINEERING}, true, std::string("FL")));
   EXPECT_GT(oval->GetTrackLenght(), 1300.0f);
-}
-
-TEST(Vocabulary, CodesTypesAndSurfacesAFileCanHold) {
-  NewTrackOptions options;
-  options.nation = "ITALY";
-  EXPECT_THROW(BuildTrack(kTwoLayouts, options), BadInput);
+  const std::string layouts = " Lungo:4@44.34,11.716,150 :3@44.34,11.716,0";
+  EXPECT_EQ(Read(ExportTrack(*track, ExportFormat::kGeoJson)), "Prova & <Co>/IT" + layouts);
+  EXPECT_EQ(Read(ExportTrack(*track, ExportFormat::kGpx)), "Prova & <Co>/" + layouts);
+  const std::string svg = RenderSvg(*track, 1);  // the outline and the finish line across it
+  EXPECT_NE(svg.find(" d=\"M750.0,649.7 L50.0,405.0 L750.0,160.3 Z\""), std::string::npos) << svg;
+  EXPECT_NE(svg.find(R"(<line x1="744.6" y1="665.3" x2="755.4" y2="634.1" stroke="#d01010")"),
+            std::string::npos);
+  EXPECT_THROW(RenderSvg(*track, 2), BadInput);
+  const std::pair<int, int> bars[] = {{0, 1}, {480, 200}, {999, 500}, {200, 200}, {1000, 1000}};
+  for (const auto& b : bars) EXPECT_EQ(ScaleBarLength(b.first), b.second) << b.first;
+  // The words and numbers the options take.
+  user.nation = "ITALY";
+  EXPECT_THROW(BuildTrack(kTwoLayouts, user), BadInput);
   EXPECT_EQ(CheckCode("NSW1", "state"), "NSW1");
   EXPECT_THROW(CheckCode("N-1", "state"), BadInput);
   EXPECT_EQ(CutUtf8("Nürburgring", 2) + "/" + CutUtf8("Nürburgring", 3), "N/Nü");  // not half of the ü
-  const std::pair<const char*, int> types[] = {{"kart track", 2}, {"Oval", 3}, {"10", 10}},
-                                    surfaces[] = {{"DIRT", 2}, {"16", 16}, {"Paved", 1}};
+  const std::pair<const char*, int> types[] = {{"kart track", 2}, {"Oval", 3}, {"10", 10}};
   for (const auto& [text, type] : types) EXPECT_EQ(ParseTrackType(text), type) << text;
-  for (const auto& [text, surface] : surfaces) EXPECT_EQ(ParseSurface(text), surface) << text;
   for (const char* bad : {"4", "0", "Tarmac"}) EXPECT_THROW(ParseTrackType(bad), BadInput) << bad;
-  EXPECT_THROW(ParseSurface("3"), BadInput);
 }
 
 // Far from the centre, and a US finish line east of Greenwich; the maker's
@@ -245,8 +199,6 @@ TEST(Report, ChecksExplainFailuresAndSkipTheMakersRuleForUsers) {
   for (const auto& c : check["checks"]) passed += c["passed"].get<bool>() ? "+" : "-";
   EXPECT_EQ(passed, "+--+");
   EXPECT_EQ(check["checks"][3]["message"], "not applicable: a user's track");
-  const nlohmann::json info = DescribeTrack(*track, "/x/t.tkk", {});
-  EXPECT_EQ(info["variants"][0]["nation"], "US");  // from the record, not the view
 }
 
 struct TempDir {
@@ -256,13 +208,9 @@ struct TempDir {
     std::ofstream(path + "/" + name, std::ios::binary) << bytes;
     return path + "/" + name;
   }
-  std::string Read(const std::string& name) const {
-    std::ifstream in(path + "/" + name, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-  }
 };
 
-// Monza (two layouts, a name to escape, a logo) and Imöla saved as track
+// Monza (two layouts, a name to escape) and Imöla saved as track
 // files, with a file that is not a track and a map that is not a .tkk.
 class TwoTracks : public testing::Test {
  protected:
@@ -280,7 +228,6 @@ class TwoTracks : public testing::Test {
     }
     dir.Write("zz-broken.tkk", "not a track");
     dir.Write("notes.txt", "x");
-    tracks[0]->SetTrackLogo(dir.Write("logo.png", std::string(20, 'x')));
     return SaveTracks(tracks, dir.path);
   }
   TempDir dir;
@@ -288,12 +235,8 @@ class TwoTracks : public testing::Test {
   const SummaryBuild build = BuildSummary(dir.path);
 };
 
-// Tracks in name order, variant by variant. A saved track reopens with its
-// logo; unreadable tracks are listed.
+// Tracks in name order, variant by variant; unreadable tracks are listed.
 TEST_F(TwoTracks, SummaryHoldsThemInNameOrderVariantByVariantAndListsUnreadableOnes) {
-  const std::vector<LogoEntry> logos = ListLogos(saved[0]);
-  ASSERT_EQ(logos.size(), 1u);
-  EXPECT_EQ(logos[0].name + "/" + std::to_string(logos[0].bytes), "logo.png/20");
   ASSERT_EQ(build.tracks.size(), 2u);
   ASSERT_EQ(build.skipped.size(), 1u);
   EXPECT_EQ(build.skipped[0].path, dir.path + "/zz-broken.tkk");
@@ -316,8 +259,6 @@ TEST_F(TwoTracks, NearestWithinReachLimitedAndInWholeMetres) {
   ASSERT_EQ(all.size(), 3u);
   query.limit = 2;
   EXPECT_EQ(NearestTracks(*build.summary, query).size(), 2u);
-  query.withinM = static_cast<int>(all[0]["distanceM"].get<double>()) + 1;
-  EXPECT_EQ(NearestTracks(*build.summary, query).size(), 1u);
   EXPECT_EQ(NearestText(all).find('.'), std::string::npos) << NearestText(all);
   query.withinM = 0;
   EXPECT_EQ(NearestText(NearestTracks(*build.summary, query)), "no track within reach\n");
@@ -377,7 +318,9 @@ TEST(StagedFolder, FilesAppearTogetherOrNotAtAll) {
     else
       EXPECT_THROW(staged.Commit({"summary.bin", "never-written"}), BadInput);
   }
-  EXPECT_EQ(out.Read("summary.bin") + out.Read("index.html"), "newpage");
+  std::ostringstream both;
+  both << std::ifstream(out.path + "/summary.bin").rdbuf() << std::ifstream(out.path + "/index.html").rdbuf();
+  EXPECT_EQ(both.str(), "newpage");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(out.path), {}), 2) << "staging left behind";
 }
 
@@ -397,8 +340,7 @@ TEST_F(TwoTracks, CataloguePageOrderEscapesAndNoScript) {
   EXPECT_LT(page.find("\"name\">Imöla<"), monza);
   EXPECT_LT(page.find(">L0 · Race Track<", monza), page.find(">L1 · Race Track<", monza));
   EXPECT_NE(page.find("\"name\">Monza &amp; &lt;Co&gt;</span>"), std::string::npos);
-  EXPECT_FALSE(
-      std::regex_search(page, std::regex("<script|on the logger|<(td|div|a) />")));  // HTML has no <x/>
+  EXPECT_EQ(page.find("<script"), std::string::npos);
 }
 
 }  // namespace
