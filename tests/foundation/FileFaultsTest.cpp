@@ -90,13 +90,6 @@ const sys::Chiamate kGuaste = {
     GUASTA(Unlink, ),
 };
 
-// Every file of `ora` is one of `prima`, whole as one of the two saves left it.
-void ExpectWholeOldOrNew(const Snapshot& ora, const Snapshot& prima, const Snapshot& dopo) {
-  for (const auto& [nome, bytes] : ora)
-    EXPECT_TRUE(prima.count(nome) && (bytes == prima.at(nome) || bytes == dopo.at(nome))) << nome;
-  EXPECT_EQ(prima.size(), ora.size());
-}
-
 const std::string kNome = "0k3f9zq1";
 
 Snapshot Take(const TempDir& dir) {
@@ -110,12 +103,6 @@ void Empty(const TempDir& dir) {
 size_t Descrittori() {
   return static_cast<size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
 }
-
-// Saves of every kind of file (name, all or nothing, save): 0 an old version,
-// 1 a new one, 2 one too large for the small device. A save of several files
-// (each replaced on its own) may fail half-way; a track's save changes
-// nothing unless it succeeds.
-using Salvataggio = std::tuple<const char*, bool, std::function<bool(int, const std::string&)>>;
 
 class FileFaults : public ::testing::Test {
  protected:
@@ -132,23 +119,6 @@ class FileFaults : public ::testing::Test {
   }
   void TearDown() override { sys::ImpostaSistema(nullptr), evtrec::Reset(false); }
 
-  std::vector<Salvataggio> Salvataggi() {
-    auto t = [this](int v) { return v == 2 ? grande_.get() : tracce_[static_cast<size_t>(v)].get(); };
-    auto r = [this](int v) { return riassunti_[v].get(); };
-    using D = const std::string&;
-    // clang-format off
-    return {
-        {"track", true, [=](int v, D d) { return t(v)->SalvaFileInPath(d, &kNome) == kNome; }},
-        {"logos apart", true,
-         [=](int v, D d) { return t(v)->SalvaFileInPathLogoEsterno(d, kNome) == kNome; }},
-        {"summary", false, [=](int v, D d) { return r(v)->SalvaFileDev(d + "s.bin"); }},
-        {"by position", false,
-         [=](int v, D d) { return r(v)->CreaFileLatLonSorted(d + "p.bin", d + "p.n", d + "p.g"); }},
-        {"text", false,
-         [=](int v, D d) { return r(v)->CreaFileAlfabSortedConNazioneTestuale(d + "t.txt"); }}};
-    // clang-format on
-  }
-
   TempDir dir_;
   std::unique_ptr<CFileTkk> grande_ = fixtures::MakeSmallTrack();
   std::vector<std::unique_ptr<CFileTkk>> tracce_;
@@ -160,11 +130,27 @@ class FileFaults : public ::testing::Test {
 // same); a full device, for real, on a small memory file system where the
 // test may mount one.
 TEST_F(FileFaults, SavesKeepTheOldFilesWhicheverCallFails) {
+  // Saves of every kind of file (name, all or nothing, save): 0 an old version,
+  // 1 a new one, 2 one too large for the small device. A save of several files
+  // (each replaced on its own) may fail half-way; a track's save changes
+  // nothing unless it succeeds.
+  auto t = [this](int v) { return v == 2 ? grande_.get() : tracce_[static_cast<size_t>(v)].get(); };
+  auto r = [this](int v) { return riassunti_[v].get(); };
+  using D = const std::string&;
+  // clang-format off
+  const std::tuple<const char*, bool, std::function<bool(int, D)>> salvataggi[] = {
+      {"track", true, [=](int v, D d) { return t(v)->SalvaFileInPath(d, &kNome) == kNome; }},
+      {"logos apart", true, [=](int v, D d) { return t(v)->SalvaFileInPathLogoEsterno(d, kNome) == kNome; }},
+      {"summary", false, [=](int v, D d) { return r(v)->SalvaFileDev(d + "s.bin"); }},
+      {"by position", false,
+       [=](int v, D d) { return r(v)->CreaFileLatLonSorted(d + "p.bin", d + "p.n", d + "p.g"); }},
+      {"text", false, [=](int v, D d) { return r(v)->CreaFileAlfabSortedConNazioneTestuale(d + "t.txt"); }}};
+  // clang-format on
   TempDir mnt;
   const bool montato = mount("vektkk", mnt.path().c_str(), "tmpfs", 0, "size=192k,mode=0755") == 0;
   std::shared_ptr<void> smonta(nullptr, [&](void*) { umount2(mnt.path().c_str(), MNT_DETACH); });
   for (int modo = 0; modo < (montato ? 3 : 2); ++modo)
-    for (const auto& [nome, tuttoONiente, salva] : Salvataggi()) {
+    for (const auto& [nome, tuttoONiente, salva] : salvataggi) {
       SCOPED_TRACE(testing::Message() << nome << ", mode " << modo);
       const TempDir& d = modo == 2 ? mnt : dir_;
       const int nuova = modo == 2 ? 2 : 1;
@@ -187,8 +173,11 @@ TEST_F(FileFaults, SavesKeepTheOldFilesWhicheverCallFails) {
         SCOPED_TRACE(k);
         EXPECT_EQ(0, g.rinominatiNonScaricati);
         EXPECT_EQ(descrittori, Descrittori());
+        // Every file is one of those before, whole as one of the two saves left it.
         const Snapshot ora = Take(d);
-        ExpectWholeOldOrNew(ora, prima, dopo);
+        for (const auto& [file, bytes] : ora)
+          EXPECT_TRUE(prima.count(file) && (bytes == prima.at(file) || bytes == dopo.at(file))) << file;
+        EXPECT_EQ(prima.size(), ora.size());
         // A save may also run through a failure it can do without (an image
         // beside the track, the flush of the directory).
         EXPECT_TRUE(riuscito || !tuttoONiente || ora == prima);

@@ -50,7 +50,6 @@ uint32_t Zlib(uint32_t crc, const unsigned char* p, size_t n) {
 // is checked on its own too: processors with their own CRC instructions
 // never reach it.
 TEST(Crc32, EveryWayMatchesZlib) {
-  EXPECT_EQ(Crc32(0, reinterpret_cast<const unsigned char*>("123456789"), 9), 0xCBF43926u);
   const uint32_t presets[] = {0, 0x12345678, 0xFFFFFFFF};
   Bytes bytes(size_t{1024} * 1024 + 7);
   std::mt19937 rng(1);
