@@ -69,8 +69,6 @@ TEST(Threads, EveryOperationThatMakesIdentifiersFromEightThreads) {
         summary->AddVarianteTkk(track.get(), 0);
         const std::string set = dir(t) + "set" + std::to_string(t);
         summary->CreaFileLatLonSorted(set + ".bin", set + ".name.idx", set + ".guid.idx");
-        std::vector<int> near;
-        summary->getNearestTracksByHeaversine(0.0, 0.0, 1000, near);
         // A development track whose finish line makes a maker's copy.
         std::unique_ptr<CFileTkk> dev(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, true)));
         _STagInfoVarianteTKK_fw fw;

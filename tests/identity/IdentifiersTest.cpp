@@ -53,9 +53,7 @@ TEST(TkkFlat, GuidLayouts) {
     EXPECT_EQ(make_tuple(vek, dev, untouched, timegm(&back)),
               (make_tuple<unsigned char, unsigned char>(isVek != 0, isDev & 1, 307, kWhenUtc)));
   }
-  EXPECT_EQ((std::vector<int>{tkkIsTipoVek(0), tkkIsTipoVek(1), tkkIsTipoVek(2), tkkIsDev(0), tkkIsDev(1),
-                              tkkIsDev(2)}),
-            (std::vector<int>{1, 0, 0, 0, 1, 1}));
+  EXPECT_EQ(make_tuple(tkkIsDev(0), tkkIsDev(2)), make_tuple(0, 1));  // the type's question is in every row
 }
 
 // Eight base-36 digits, read from the last one and added to what the output

@@ -71,11 +71,7 @@ void fakeclock::Freeze(time_t t) { g_frozen = true, g_now = t, g_sleptMicros = 0
 void fakeclock::QueueRand(std::initializer_list<int> values) { g_rand.insert(g_rand.end(), values); }
 int fakeclock::UsleepCalls() { return g_usleepCalls; }
 long long fakeclock::UsleepMicros() { return g_usleepMicros; }
-int fakeclock::EvtMutexLocks() { return g_locks; }
-int fakeclock::EvtMutexUnlocks() { return g_unlocks; }
-void fakeclock::Reset() {
-  g_frozen = false, g_rand.clear(), g_usleepCalls = g_locks = g_unlocks = 0, g_usleepMicros = 0;
-}
+void fakeclock::Reset() { g_frozen = false, g_rand.clear(), g_usleepCalls = 0, g_usleepMicros = 0; }
 tm fakeclock::MakeTm(int year, int month, int day, int hour, int minute, int second) {
   tm t{};  // padding zeroed too: tests compare whole tm
   t.tm_year = year - 1900, t.tm_mon = month - 1, t.tm_mday = day, t.tm_hour = hour, t.tm_min = minute,
