@@ -26,14 +26,12 @@ void* OrThrow(void* p) { return p != nullptr ? p : throw std::bad_alloc(); }
 void Release(void* p) { g_live -= malloc_usable_size(p), free(p); }
 }  // namespace
 
+// The C++ library's array forms call these; the sanitizers' own would not
+// pair with them.
 void* operator new(size_t size) { return OrThrow(Allocate(size)); }
-void* operator new[](size_t size) { return OrThrow(Allocate(size)); }
 void* operator new(size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
-void* operator new[](size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
 void operator delete(void* p) noexcept { Release(p); }
-void operator delete[](void* p) noexcept { Release(p); }
 void operator delete(void* p, size_t) noexcept { Release(p); }
-void operator delete[](void* p, size_t) noexcept { Release(p); }
 
 namespace {
 

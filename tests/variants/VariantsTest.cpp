@@ -92,17 +92,16 @@ TEST(Vocabolari, KeysAndTheirTexts) {
       {4828033, "3/10 mi"},   {5029201, "5/16 mi"},  {5364481, "1/3 mi"},  {6035041, "3/8 mi"},
       {6437378, "4/10 mi"},   {8046722, "1/2 mi"},   {9656067, "6/10 mi"}, {10058403, "5/8 mi"},
       {11040103, "0.686 mi"}, {11265411, "7/10 mi"}, {12070083, "3/4 mi"}, {12874756, "8/10 mi"},
-      {16093445, "1 mi"},     {32186890, "2 mi"},    {0, "custom"},        {1609345, "custom"},
-      {23, "custom"}};
+      {16093445, "1 mi"},     {32186890, "2 mi"},    {23, "custom"}};
   for (const auto& [key, text] : lengths)
     EXPECT_EQ(IVarianteTkk::OttieniStringaxLunghezzaKeyy(static_cast<_eTipoLunghezzaPista>(key)), text);
   // Key, surface, type, and whether each is known: non-strict lookups give
   // the first text for an unknown key, strict ones "".
-  const std::tuple<int, const char*, const char*, bool, bool> keys[] = {{0, "Paved", "Race Track", 0, 0},
-                                                                        {2, "Dirt", "Kart Track", 1, 1},
-                                                                        {4, "Ice", "Race Track", 1, 0},
-                                                                        {10, "Paved", "ROval", 0, 1},
-                                                                        {16, "Combo", "Race Track", 1, 0}};
+  // clang-format off
+  const std::tuple<int, const char*, const char*, bool, bool> keys[] = {
+      {2, "Dirt", "Kart Track", 1, 1}, {4, "Ice", "Race Track", 1, 0},
+      {10, "Paved", "ROval", 0, 1}, {16, "Combo", "Race Track", 1, 0}};
+  // clang-format on
   for (const auto& [key, surface, type, knownSurface, knownType] : keys) {
     SCOPED_TRACE(key);
     const auto s = static_cast<_eTipoRoadSurfaceTkk>(key);
@@ -166,7 +165,6 @@ TEST(TimeZones, EveryNationAndState) {
       {"CA", "BC,ON,QC", kNone, kUntouched, "Timezone not managed in Canada for sub nation ", 2},
       {"CA", "NS", kNone, kUntouched, "Timezone not managed in Canada for sub nation ", 1}};
   // clang-format on
-  int usStates = 0;
   for (const auto& [nations, states, hours, minutes, report, reports] : rows)
     for (const string& nation : Split(nations))
       for (const string& state : Split(states)) {
@@ -178,9 +176,7 @@ TEST(TimeZones, EveryNationAndState) {
         ASSERT_EQ(evtrec::Events().size(), static_cast<size_t>(reports));
         for (const evtrec::Event& e : evtrec::Events())
           EXPECT_EQ(e.severity + " " + e.Message(), "ERROR " + (report + (*states ? state : nation)));
-        usStates += nation == "US" && reports == 0;
       }
-  EXPECT_EQ(usStates, 50);
   evtrec::Reset(false);
 }
 
