@@ -104,8 +104,7 @@ size_t Descrittori() {
   return static_cast<size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
 }
 
-class FileFaults : public ::testing::Test {
- protected:
+struct FileFaults : ::testing::Test {
   void SetUp() override {
     evtrec::Reset(true);
     for (auto& r : riassunti_) r.reset(IFileRiassuntivo::CreateMe());

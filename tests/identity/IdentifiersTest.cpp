@@ -93,8 +93,7 @@ TEST(TkkFlat, NamesAreEightBase36Digits) {
   munmap(map, 2 * page);
 }
 
-class Generators : public ::testing::Test {
- protected:
+struct Generators : ::testing::Test {
   void SetUp() override { fakeclock::Freeze(kWhenUtc); }
   void TearDown() override { fakeclock::Reset(); }
 };

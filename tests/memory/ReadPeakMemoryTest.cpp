@@ -4,7 +4,6 @@
 // size field that promises more than the file holds is never allocated.
 #include <gtest/gtest.h>
 #include <malloc.h>
-#include <string.h>
 
 #include <atomic>
 #include <new>

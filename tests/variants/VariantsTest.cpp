@@ -59,15 +59,6 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
                          v->IsVekTrack() || v->GetTrackIsReadOnly() || v->IsDevTrack()),
               make_tuple(string(), string("Autodromo"), name, name, true, true, false));
   }
-  IVarianteTkk* second = t->GetVariantiTrack()[1];
-  second->SetNomeXDevice("Changed");
-  second->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
-  second->SetFondoStradaleKey(FONDO_COMBO);
-  EXPECT_EQ(
-      make_tuple(string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice), second->IsTrackChiuso(),
-                 second->OttieniStringaxFondoStradaleKey(), second->OttieniStringaxTrackTypeCircuitKey(),
-                 t->GetTagInfoVariante(1)->FondiStradali->Fondi.size()),
-      make_tuple(string("Changed"), false, string("Combo"), string("Rally"), size_t{1}));
   STagDatiPlus plus;
   plus.Citta = "Monza";
   _STagIndexesVarianteTKK idx;
@@ -78,9 +69,16 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
   IVarianteTkk *plain = t->GetVariantiTrack()[1], *withPlus = t->GetVariantiTrack()[3];
   withPlus->SetTrackURL("https://example.invalid");
   plain->SetTrackURL("ignored");
-  EXPECT_EQ(plain->GetCitta() + plain->GetTrackURL() + "|" + withPlus->GetNationCode() +
-                withPlus->GetSubNationCode() + withPlus->GetCitta() + withPlus->GetTrackURL(),
-            "|ITAMBMonzahttps://example.invalid");
+  plain->SetNomeXDevice("Changed");
+  plain->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
+  plain->SetFondoStradaleKey(FONDO_COMBO);
+  EXPECT_EQ(make_tuple(plain->GetCitta() + plain->GetTrackURL() + "|" + withPlus->GetNationCode() +
+                           withPlus->GetSubNationCode() + withPlus->GetCitta() + withPlus->GetTrackURL(),
+                       string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice), plain->IsTrackChiuso(),
+                       plain->OttieniStringaxFondoStradaleKey() + plain->OttieniStringaxTrackTypeCircuitKey(),
+                       t->GetTagInfoVariante(1)->FondiStradali->Fondi.size()),
+            make_tuple(string("|ITAMBMonzahttps://example.invalid"), string("Changed"), false,
+                       string("ComboRally"), size_t{1}));
   STagsInfoVariante stray(t.get());
   EXPECT_EQ(CVarianteTkk(&stray).GetIdxVariante(), -1);
 }

@@ -15,7 +15,6 @@ namespace {
 // the adjustment.
 template <typename Pmf>
 long Slot(Pmf pmf) {
-  static_assert(sizeof(Pmf) == 2 * sizeof(ptrdiff_t), "two-word member function pointer");
   ptrdiff_t words[2];
   memcpy(words, &pmf, sizeof words);
 #if defined(__arm__) || defined(__aarch64__)
