@@ -72,12 +72,12 @@ TEST(Threads, EveryOperationThatMakesIdentifiersFromEightThreads) {
         // A development track whose finish line makes a maker's copy.
         std::unique_ptr<CFileTkk> dev(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, true)));
         _STagInfoVarianteTKK_fw fw;
-        memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
         fw.InfoBeacons.TipoBeaconInUso = BEACON_USER;
-        _SDatoCoordinateBeacon& finish = fw.InfoBeacons.LineeBeacon[3][0];
-        finish.LatI = 456200000, finish.LonI = 92800000;
+        memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
+        fw.InfoBeacons.LineeBeacon[3][0].LatI = 456200000;
+        fw.InfoBeacons.LineeBeacon[3][0].LonI = 92800000;
         dev->AddTagInfoVariante("GP", "Monza", fw, _STagIndexesVarianteTKK());
-        dev->TrasformaPistaUtenteInVek(dir(t), BEACON_OPTIC);
+        dev->TrasformaPistaUtenteInVek(dir(t), BEACON_OPTIC);  // false even after a good save
         bad += IGuidTkk::IsVek(IGuidTkk::GetGuidTkk(t % 2 == 0, false)) != (t % 2 == 0) ||
                IGuidNomeFile::GetNomeFile(true, false).size() != 8;
       }

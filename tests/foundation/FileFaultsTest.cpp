@@ -81,8 +81,7 @@ const sys::Chiamate kGuaste = {
     [](int fd) { return Cade() ? (g.nonScaricati.insert(g.aperti[fd]), -1) : sys::SistemaReale().Fsync(fd); },
     [](int fd) {  // as on Linux, a close that fails still releases the descriptor
       const bool cade = Cade();
-      const int esito = sys::SistemaReale().Close(fd);
-      return cade ? (errno = EIO, -1) : esito;
+      return sys::SistemaReale().Close(fd) != 0 || cade ? (errno = EIO, -1) : 0;
     },
     GUASTA(Rename, Nomina(a...)),
     GUASTA(RenameNoReplace, Nomina(a...)),

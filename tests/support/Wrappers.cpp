@@ -27,7 +27,6 @@ pthread_mutex_t vek_evtcontext_mutex = PTHREAD_MUTEX_INITIALIZER;
 
 namespace {
 std::vector<evtrec::Event> g_events;
-int g_contextToken = 0;
 bool g_frozen = false;
 time_t g_now = 0;                                 // when frozen
 long long g_sleptMicros = 0, g_usleepMicros = 0;  // slept since then, and in all
@@ -63,7 +62,7 @@ std::string evtrec::Event::Message() const {
 }
 void evtrec::Reset(bool contextOpen) {
   g_events.clear();
-  vek_evtcontext = contextOpen ? reinterpret_cast<EVTCONTEXT*>(&g_contextToken) : nullptr;
+  vek_evtcontext = contextOpen ? reinterpret_cast<EVTCONTEXT*>(&g_events) : nullptr;
 }
 const std::vector<evtrec::Event>& evtrec::Events() { return g_events; }
 
