@@ -4,7 +4,6 @@
 // size field that promises more than the file holds is never allocated.
 #include <gtest/gtest.h>
 #include <malloc.h>
-#include <string.h>
 
 #include <atomic>
 #include <new>
@@ -26,19 +25,16 @@ void* OrThrow(void* p) { return p != nullptr ? p : throw std::bad_alloc(); }
 void Release(void* p) { g_live -= malloc_usable_size(p), free(p); }
 }  // namespace
 
+// The C++ library's array forms call these; the sanitizers' own would not
+// pair with them.
 void* operator new(size_t size) { return OrThrow(Allocate(size)); }
-void* operator new[](size_t size) { return OrThrow(Allocate(size)); }
 void* operator new(size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
-void* operator new[](size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
 void operator delete(void* p) noexcept { Release(p); }
-void operator delete[](void* p) noexcept { Release(p); }
 void operator delete(void* p, size_t) noexcept { Release(p); }
-void operator delete[](void* p, size_t) noexcept { Release(p); }
 
 namespace {
 
 using fixtures::Bytes;
-const std::string kTrack = "0track03";
 
 // What reading `path` allocates at its peak must stay within a fixed
 // allowance for the empty objects and 16 times the file: the worst files
@@ -64,14 +60,14 @@ Bytes Atoms(const char* tag, const Bytes& payload, int count) {
 TEST(ReadPeakMemory, TrackAndSummaryFiles) {
   fixtures::TempDir dir;
   std::vector<Bytes> files;
-  // A header whose size field promises 4 GB, in a file of 100 bytes, for
-  // each tag the reader keeps and one it skips.
-  for (const char* tag : {"Ptkk", "Vnfo", "pts\0", "srfs", "lgo\0", "zzzz"}) {
-    files.emplace_back(tag, tag + 4);
-    files.back().insert(files.back().end(), {0xFF, 0xFF, 0xFF, 0xF0}), files.back().resize(100, 0x5a);
+  // A header whose size field promises 4 GB, in a file of 100 bytes, for a
+  // tag the reader keeps and one it skips.
+  for (const char* tag : {"Ptkk", "zzzz"}) {
+    files.push_back(Atoms(tag, Bytes(88, 0x5a), 1));
+    std::fill_n(files.back().begin() + 4, 4, 0xF0);
   }
-  ASSERT_EQ(fixtures::MakeRandomTrack(3)->SalvaFileInPath(dir.path(), &kTrack), kTrack);
-  files.push_back(fixtures::ReadAll(dir.path() + kTrack + ".tkk"));
+  const std::string track = fixtures::MakeRandomTrack(3)->SalvaFileInPath(dir.path(), nullptr);
+  files.push_back(fixtures::ReadAll(dir.path() + track + ".tkk"));
   // The smallest atoms that each make a record of their own, and as many
   // variants as the file can hold.
   files.push_back(Atoms("pts", Bytes(12, 1), 20000));
@@ -85,9 +81,7 @@ TEST(ReadPeakMemory, TrackAndSummaryFiles) {
   const std::string path = dir.path() + "0memory0.tkk";
   for (const Bytes& file : files) {
     fixtures::WriteAll(path, file);
-    for (bool senzaLogo : {false, true})
-      ExpectSmallPeak(path,
-                      [&] { std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(path, true, senzaLogo)); });
+    ExpectSmallPeak(path, [&] { std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(path, true, false)); });
   }
   // Summary files of whole records and of a record and a byte.
   for (size_t size : {size_t{128 * 1000}, size_t{128 * 1000 + 1}}) {

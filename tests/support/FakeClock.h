@@ -12,12 +12,9 @@ namespace fakeclock {
 
 void Freeze(time_t t);  // time() returns `t`; every usleep() advances it by the time slept
 void QueueRand(std::initializer_list<int> values);  // the next rand() results, then the C library's
-// Since Reset(): usleep() calls and microseconds asked for, lock and unlock calls on the host's event-log
-// mutex.
+// Since Reset(): usleep() calls and microseconds asked for.
 int UsleepCalls();
 long long UsleepMicros();
-int EvtMutexLocks();
-int EvtMutexUnlocks();
 void Reset();  // unfreezes, empties the rand queue and zeroes the counters
 // A calendar time with every other member zero (month 1-12), and the same time in UTC as time_t.
 tm MakeTm(int year, int month, int day, int hour, int minute, int second);

@@ -61,7 +61,6 @@ std::unique_ptr<CFileTkk> MakeRandomTrack(uint32_t seed, bool readOnly) {
     idx.IdxPunti = track->AddTagDatiPuntiTracciato(shape);
     idx.IdxFondiStradali =
         track->AddDatiFondoStradale(std::vector<_eTipoRoadSurfaceTkk>(1 + rng() % 3, FONDO_DIRT));
-    idx.IdxLogo = 0xFFFF;
     if (rng() % 2 == 0) {
       std::vector<unsigned char> image(10 + rng() % 300);
       for (auto& b : image) b = static_cast<unsigned char>(rng());

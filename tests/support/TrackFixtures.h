@@ -15,8 +15,7 @@ using Bytes = std::vector<unsigned char>;
 
 // A fresh directory under the system's temporary directory, removed with
 // everything in it when the object goes. path() ends with "/".
-class TempDir {
- public:
+struct TempDir {
   TempDir();
   ~TempDir();
   TempDir(const TempDir&) = delete;
@@ -24,8 +23,6 @@ class TempDir {
   const std::string& path() const { return path_; }
   // Names of the entries in the directory, sorted.
   std::vector<std::string> Entries() const;
-
- private:
   std::string path_;
 };
 

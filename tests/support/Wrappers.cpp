@@ -27,7 +27,6 @@ pthread_mutex_t vek_evtcontext_mutex = PTHREAD_MUTEX_INITIALIZER;
 
 namespace {
 std::vector<evtrec::Event> g_events;
-int g_contextToken = 0;
 bool g_frozen = false;
 time_t g_now = 0;                                 // when frozen
 long long g_sleptMicros = 0, g_usleepMicros = 0;  // slept since then, and in all
@@ -63,7 +62,7 @@ std::string evtrec::Event::Message() const {
 }
 void evtrec::Reset(bool contextOpen) {
   g_events.clear();
-  vek_evtcontext = contextOpen ? reinterpret_cast<EVTCONTEXT*>(&g_contextToken) : nullptr;
+  vek_evtcontext = contextOpen ? reinterpret_cast<EVTCONTEXT*>(&g_events) : nullptr;
 }
 const std::vector<evtrec::Event>& evtrec::Events() { return g_events; }
 
@@ -71,11 +70,7 @@ void fakeclock::Freeze(time_t t) { g_frozen = true, g_now = t, g_sleptMicros = 0
 void fakeclock::QueueRand(std::initializer_list<int> values) { g_rand.insert(g_rand.end(), values); }
 int fakeclock::UsleepCalls() { return g_usleepCalls; }
 long long fakeclock::UsleepMicros() { return g_usleepMicros; }
-int fakeclock::EvtMutexLocks() { return g_locks; }
-int fakeclock::EvtMutexUnlocks() { return g_unlocks; }
-void fakeclock::Reset() {
-  g_frozen = false, g_rand.clear(), g_usleepCalls = g_locks = g_unlocks = 0, g_usleepMicros = 0;
-}
+void fakeclock::Reset() { g_frozen = false, g_rand.clear(), g_usleepCalls = 0, g_usleepMicros = 0; }
 tm fakeclock::MakeTm(int year, int month, int day, int hour, int minute, int second) {
   tm t{};  // padding zeroed too: tests compare whole tm
   t.tm_year = year - 1900, t.tm_mon = month - 1, t.tm_mday = day, t.tm_hour = hour, t.tm_min = minute,

@@ -4,8 +4,6 @@
 #include <stddef.h>
 #include <string.h>
 
-#include <sstream>
-
 #include "IFileRiassuntivo.h"
 #include "IFileTkk.h"
 
@@ -17,7 +15,6 @@ namespace {
 // the adjustment.
 template <typename Pmf>
 long Slot(Pmf pmf) {
-  static_assert(sizeof(Pmf) == 2 * sizeof(ptrdiff_t), "two-word member function pointer");
   ptrdiff_t words[2];
   memcpy(words, &pmf, sizeof words);
 #if defined(__arm__) || defined(__aarch64__)
@@ -27,17 +24,12 @@ long Slot(Pmf pmf) {
 #endif
 }
 
-// The operations listed in slot order from `first`, each named by its own text in the list.
-void ExpectSlots(long first, const std::string& names, std::initializer_list<long> slots) {
-  std::istringstream in(names);
-  std::string name;
-  for (long slot : slots) {
-    std::getline(in >> std::ws, name, ',');
-    EXPECT_EQ(slot, first++) << name;
-  }
+// The operations listed in slot order from `first`, each with its name.
+void ExpectSlots(long first, std::initializer_list<std::pair<const char*, long>> slots) {
+  for (const auto& [name, slot] : slots) EXPECT_EQ(slot, first++) << name;
 }
-#define SLOTS(first, ...) ExpectSlots(first, #__VA_ARGS__, {__VA_ARGS__})
-#define S(fn) Slot(&CLS::fn)
+#define SLOTS(first, ...) ExpectSlots(first, {__VA_ARGS__})
+#define S(fn) std::make_pair(#fn, Slot(&CLS::fn))
 
 TEST(VtableSlots, EveryOperationKeepsItsSlot) {
 #define CLS IVarianteTkk
@@ -69,9 +61,10 @@ TEST(VtableSlots, EveryOperationKeepsItsSlot) {
         S(LeggiFile), S(SalvaFileInPath), S(SalvaFileInPathLogoEsterno), S(GetDimTkk), S(AssegnaPtrPunti),
         S(RemoveShape), S(AssignTrackLength), S(TrasformaPistaUtenteInVek), S(TrasformaSetDiBeacon),
         S(TrasformaPistaInVek), S(SetBaricentro), S(IsVekTrackWithCorrectBeaconType), S(GetTimeZone),
-        S(GetDeltaMin), S(SetTimezone), S(SetDeltaMin), Slot(StrBeacon(&IFileTkk::GetStrBeaconType)),
+        S(GetDeltaMin), S(SetTimezone), S(SetDeltaMin),
+        std::make_pair("GetStrBeaconType", Slot(StrBeacon(&IFileTkk::GetStrBeaconType))),
         S(CanUseBeaconTypeMagnetic), S(AreEqualBeacons), S(AreCoherentBeacons), S(BaricentroCoerente),
-        Slot(StrBeaconOf(&IFileTkk::GetStrBeaconType)));
+        std::make_pair("GetStrBeaconType(type)", Slot(StrBeaconOf(&IFileTkk::GetStrBeaconType))));
 #undef CLS
 #define CLS IFileRiassuntivo
   // 0 and 1 are the two destructor entries.

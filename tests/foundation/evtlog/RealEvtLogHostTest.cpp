@@ -13,10 +13,9 @@ extern "C" {
 // The host's globals. The project builds with hidden visibility, so they are
 // exported explicitly: the library finds them in the executable's dynamic
 // symbol table.
-#define HOST_EXPORT __attribute__((visibility("default")))
 extern "C" {
-HOST_EXPORT EVTCONTEXT* vek_evtcontext = nullptr;
-HOST_EXPORT pthread_mutex_t vek_evtcontext_mutex = PTHREAD_MUTEX_INITIALIZER;
+__attribute__((visibility("default"))) EVTCONTEXT* vek_evtcontext = nullptr;
+__attribute__((visibility("default"))) pthread_mutex_t vek_evtcontext_mutex = PTHREAD_MUTEX_INITIALIZER;
 }
 
 static std::vector<std::string> g_lines;
@@ -24,7 +23,7 @@ static std::vector<std::string> g_lines;
 // Takes the place of the C library's syslog() for libevtlog: what the real
 // eventlog library would send to the system log is kept here, with the
 // priority's severity first.
-extern "C" HOST_EXPORT void syslog(int priority, const char* format, ...) {
+extern "C" __attribute__((visibility("default"))) void syslog(int priority, const char* format, ...) {
   char line[4096];
   va_list args;
   va_start(args, format);
@@ -38,7 +37,6 @@ namespace {
 // A report reaches syslog in the host's format; none while the context is closed.
 TEST(RealEvtLogHost, RecordReachesSyslogInTheHostsFormat) {
   EVTCONTEXT* context = evt_ctx_init("test", EVT_FAC_USER);
-  ASSERT_NE(context, nullptr);
   for (EVTCONTEXT* open : {context, static_cast<EVTCONTEXT*>(nullptr)}) {
     vek_evtcontext = open;  // one thread: the host's mutex is not needed here
     EXPECT_FALSE(std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile("/x", false, false))->IsGood());
