@@ -19,6 +19,7 @@
 
 #include "CFileTkk.h"
 #include "IFileRiassuntivo.h"
+#include "TrackMemoryRecords.h"
 #include "foundation/SistemaFile.h"
 #include "support/EvtLogRecorder.h"
 #include "support/PlatformFaults.h"
@@ -211,9 +212,11 @@ TEST_F(FileFaults, NamesClaimedUnderALockFileAndTakenTemporaryNamesDrawnAgain) {
 // by a signal is made again, and one that moves fewer bytes than asked goes
 // on: nothing is lost (k = 0: every read short).
 TEST_F(FileFaults, ReadsFailAsSpecified) {
+  const size_t descrittori = Descrittori();
   ASSERT_EQ(kNome, tracce_[2]->SalvaFileInPath(dir_.path(), &kNome));
-  const std::string track = dir_.path() + kNome + ".tkk";
+  const std::string track = dir_.path() + kNome + ".tkk", immagine = dir_.path() + "logo.png";
   riassunti_[0]->SalvaFileDev(dir_.path() + "s.bin");
+  fixtures::WriteAll(immagine, fixtures::Bytes(3000, 7));
   int fallite = 0;
   for (const bool interrotte : {false, true})
     for (int k = interrotte ? 0 : 1;; ++k) {
@@ -222,12 +225,16 @@ TEST_F(FileFaults, ReadsFailAsSpecified) {
       g = Guasti();
       (interrotte ? g.interrottaAlla : g.alla) = k;
       g.corte = interrotte && k == 0;
+      std::unique_ptr<CFileTkk> conLogo = fixtures::MakeSmallTrack();
       sys::ImpostaSistema(&kGuaste);
       std::unique_ptr<IFileTkk> letto(IFileTkk::CreateMeUponFile(track, true, true));
       std::unique_ptr<IFileRiassuntivo> riassunto(IFileRiassuntivo::CreateMeUponFile(dir_.path() + "s.bin"));
+      conLogo->SetTrackLogo(immagine);
       sys::ImpostaSistema(nullptr);
+      const SLogo* logo = conLogo->GetTagInfo()->Logo;
+      EXPECT_TRUE(logo == nullptr || logo->Dati.empty() || logo->Dati == fixtures::Bytes(3000, 7));
       if (interrotte) {
-        EXPECT_TRUE(letto->IsGood() && riassunto->GetNumRiassuntivi() == 2);
+        EXPECT_TRUE(letto->IsGood() && riassunto->GetNumRiassuntivi() == 2 && logo && !logo->Dati.empty());
         if (k > 1 && g.letture < k) break;
         continue;
       }
@@ -240,6 +247,27 @@ TEST_F(FileFaults, ReadsFailAsSpecified) {
       if (g.contate < k) break;
     }
   EXPECT_GT(fallite, 1);
+  EXPECT_EQ(descrittori, Descrittori());
+}
+
+// A daemon may run with its standard input closed: the first file the
+// library opens is then descriptor 0, a file like any other.
+TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
+  const int in = dup(0);
+  close(0);
+  const std::string track = dir_.path() + kNome + ".tkk", riassunto = dir_.path() + "s.bin";
+  const bool salvati = tracce_[0]->SalvaFileInPath(dir_.path(), &kNome) == kNome &&
+                       tracce_[1]->SalvaFileInPath(dir_.path(), &kNome) == kNome &&
+                       riassunti_[0]->SalvaFileDev(riassunto);
+  const bool letti =
+      std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(track, true, false))->IsGood() &&
+      std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMeUponFile(riassunto))->GetNumRiassuntivi() ==
+          2;
+  if (in >= 0) {
+    dup2(in, 0);
+    close(in);
+  }
+  EXPECT_TRUE(salvati && letti);
 }
 
 // A save first removes what saves killed in other processes left beside it:

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <locale.h>
 #include <zlib.h>
 
 #include <memory>
@@ -7,6 +8,7 @@
 #include "atomtag/Crc32.h"
 #include "platform/IAtomTagDecoderBin.h"
 #include "platform/IAtomTagEncoderBin.h"
+#include "platform/IStrConv.h"
 
 namespace {
 
@@ -60,6 +62,23 @@ TEST(Crc32, EveryWayMatchesZlib) {
     EXPECT_EQ(Crc32Con(via, 7, bytes.data(), bytes.size()),
               crc32(7, bytes.data(), static_cast<uInt>(bytes.size())));
   }
+}
+
+// Texts are kept as UTF-8 and given to the host in its locale's character
+// set: Latin-1 both ways, unchanged where Latin-1 has no such character and
+// in the "C" locale.
+TEST(IStrConv, Latin1LocaleConvertsBothWaysTheCLocaleNot) {
+  const std::string saved = setlocale(LC_CTYPE, nullptr);
+  ASSERT_NE(setlocale(LC_CTYPE, "en_US.ISO-8859-1"), nullptr) << "test locale missing";
+  const std::string utf8 = "N\xC3\xBCrburgring Gro\xC3\x9F", latin1 = "N\xFCrburgring Gro\xDF";
+  EXPECT_EQ(IStrConv::convert_stringa_to_utf8(latin1), utf8);
+  EXPECT_EQ(IStrConv::convert_utf8_to_stringa(utf8), latin1);
+  EXPECT_EQ(IStrConv::convert_utf8_to_stringa("\xE2\x82\xAC 10"), "\xE2\x82\xAC 10");
+  EXPECT_EQ(IStrConv::convert_utf8_to_stringa(""), "");
+  setlocale(LC_CTYPE, "C");
+  EXPECT_EQ(IStrConv::convert_utf8_to_stringa(utf8) + IStrConv::convert_stringa_to_utf8(latin1),
+            utf8 + latin1);
+  setlocale(LC_CTYPE, saved.c_str());
 }
 
 }  // namespace

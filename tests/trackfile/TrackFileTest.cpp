@@ -4,6 +4,7 @@
 // without the library's records or encoder, and building, checking and
 // converting a track in memory.
 #include <gtest/gtest.h>
+#include <locale.h>
 #include <math.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -479,6 +480,30 @@ TEST_F(TrackEdit, BeaconSetsCountLinesUpToTheFirstUnused) {
   EXPECT_EQ(b.GetNumeroSplit(BEACON_OPTIC), 6u);
   b.ClearLineaSplitLLH(1, BEACON_OPTIC);
   EXPECT_EQ(b.GetNumeroSplit(BEACON_OPTIC), 1u);
+}
+
+// Names are stored as UTF-8, cut to their fields. A field filled to its last
+// byte has no terminator and reads on into the fields after it, up to the end
+// of its record and no further.
+TEST_F(TrackEdit, NamesAreCutToTheirFieldsAndAFullOneReadsOn) {
+  const std::string saved = setlocale(LC_CTYPE, nullptr);
+  ASSERT_NE(setlocale(LC_CTYPE, "en_US.ISO-8859-1"), nullptr) << "test locale missing";
+  std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
+  Fw fw;
+  memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
+  ASSERT_TRUE(t->AddTagInfoVariante(std::string(300, 'p'), std::string(40, 'd'), fw, Idx()));
+  EXPECT_EQ(t->GetNomePista() + "/" + t->GetNomeXDevice(),
+            std::string(256, 'p') + "/" + std::string(28, 'd') + "ITA");
+  t->SetNomeXDevice("N\xFCrburg");
+  EXPECT_EQ(std::string(t->GetTagInfo()->InfoFw.NomeXDevice) + "/" + t->GetNomeXDevice(),
+            "N\xC3\xBCrburg/N\xFCrburg");
+  setlocale(LC_CTYPE, saved.c_str());
+  // A road-surface key for a main variant without surfaces gets a list of its
+  // own, which its index names in the file.
+  t->AddDatiFondoStradale({FONDO_PAVED});
+  t->SetFondoStradaleKey(FONDO_DIRT);
+  ASSERT_EQ(name_, t->SalvaFileInPath(dir_.path(), &name_));
+  EXPECT_EQ(Open(dir_.path() + name_ + ".tkk")->GetFondoStradaleKey(), FONDO_DIRT);
 }
 
 TEST_F(TrackEdit, LengthKeyIsTheStandardLengthBelow) {
