@@ -9,6 +9,7 @@
 #include <string.h>
 #include <sys/file.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -256,9 +257,11 @@ TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
   const int in = dup(0);
   close(0);
   const std::string track = dir_.path() + kNome + ".tkk", riassunto = dir_.path() + "s.bin";
-  const bool salvati = tracce_[0]->SalvaFileInPath(dir_.path(), &kNome) == kNome &&
-                       tracce_[1]->SalvaFileInPath(dir_.path(), &kNome) == kNome &&
-                       riassunti_[0]->SalvaFileDev(riassunto);
+  // The file replaced keeps its mode, which only the look at it before the save tells.
+  const bool salvati =
+      tracce_[0]->SalvaFileInPath(dir_.path(), &kNome) == kNome && chmod(track.c_str(), 0604) == 0 &&
+      tracce_[1]->SalvaFileInPath(dir_.path(), &kNome) == kNome && riassunti_[0]->SalvaFileDev(riassunto);
+  struct stat st;
   const bool letti =
       std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(track, true, false))->IsGood() &&
       std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMeUponFile(riassunto))->GetNumRiassuntivi() ==
@@ -267,7 +270,7 @@ TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
     dup2(in, 0);
     close(in);
   }
-  EXPECT_TRUE(salvati && letti);
+  EXPECT_TRUE(salvati && letti && stat(track.c_str(), &st) == 0 && (st.st_mode & 0777) == 0604);
 }
 
 // A save first removes what saves killed in other processes left beside it:
