@@ -36,9 +36,11 @@ namespace sys = vektkk::sys;
 // With `corte` every read and write moves 1 to 7 bytes only; with `lucchettoInutile` lock
 // files are opened for their path alone, so that they cannot be locked. A lock
 // file opened over and over is at last refused: a wait that never ends fails.
-// Apart from that, the read numbered `interrottaAlla` is interrupted by a signal.
+// Apart from that, the read numbered `interrottaAlla` is interrupted by a signal, and the
+// reads from the one numbered `finitaAlla` on find the end of the file, as if it had been cut.
 struct Guasti {
-  int contate = 0, alla = 0, rinominatiNonScaricati = 0, lucchetti = 0, letture = 0, interrottaAlla = 0;
+  int contate = 0, alla = 0, rinominatiNonScaricati = 0, lucchetti = 0, interrottaAlla = 0, finitaAlla = 0;
+  long long letture = 0;  // a read that loops at the end of a file must not wrap the count round
   int errore = EIO;
   bool corte = false, lucchettoInutile = false;
   std::map<int, std::string> aperti;
@@ -55,7 +57,7 @@ void Nomina(const char* from, const char*) { g.rinominatiNonScaricati += g.nonSc
     return Cade() ? -1 : sys::SistemaReale().call(a...); \
   }
 // With `corte` a read or a write moves only 1 to 7 bytes.
-std::vector<iovec> Taglia(const iovec* v, int n, int conta) {
+std::vector<iovec> Taglia(const iovec* v, int n, long long conta) {
   std::vector<iovec> parte(v, v + n);
   size_t resto = g.corte ? 1 + conta % 7 : SIZE_MAX;
   for (iovec& p : parte) p.iov_len = std::min(p.iov_len, resto), resto -= p.iov_len;
@@ -72,10 +74,14 @@ const sys::Chiamate kGuaste = {
     },
     [](int fd, void* b, size_t n) -> ssize_t {
       const size_t quanti = g.corte ? std::min<size_t>(n, 1 + g.letture % 7) : n;
-      return Interrotta() || Cade() ? -1 : sys::SistemaReale().Read(fd, b, quanti);
+      if (Interrotta() || Cade()) return -1;
+      return g.finitaAlla > 0 && g.letture >= g.finitaAlla ? 0 : sys::SistemaReale().Read(fd, b, quanti);
     },
     [](int fd, const iovec* v, int n) -> ssize_t {
-      return Interrotta() || Cade() ? -1 : sys::SistemaReale().Readv(fd, Taglia(v, n, g.letture).data(), n);
+      if (Interrotta() || Cade()) return -1;
+      return g.finitaAlla > 0 && g.letture >= g.finitaAlla
+                 ? 0
+                 : sys::SistemaReale().Readv(fd, Taglia(v, n, g.letture).data(), n);
     },
     [](int fd, const iovec* v, int n) -> ssize_t {
       return Cade() ? -1 : sys::SistemaReale().Writev(fd, Taglia(v, n, g.contate).data(), n);
@@ -211,7 +217,8 @@ TEST_F(FileFaults, NamesClaimedUnderALockFileAndTakenTemporaryNamesDrawnAgain) {
 // Each failing call of a read gives the read's failure, or a good read where
 // the call did not matter (closing a file already read). A read interrupted
 // by a signal is made again, and one that moves fewer bytes than asked goes
-// on: nothing is lost (k = 0: every read short).
+// on: nothing is lost (k = 0: every read short). A file cut while it is read
+// gives a failure or what was read whole, and never a wait.
 TEST_F(FileFaults, ReadsFailAsSpecified) {
   const size_t descrittori = Descrittori();
   ASSERT_EQ(kNome, tracce_[2]->SalvaFileInPath(dir_.path(), &kNome));
@@ -219,13 +226,14 @@ TEST_F(FileFaults, ReadsFailAsSpecified) {
   riassunti_[0]->SalvaFileDev(dir_.path() + "s.bin");
   fixtures::WriteAll(immagine, fixtures::Bytes(3000, 7));
   int fallite = 0;
-  for (const bool interrotte : {false, true})
-    for (int k = interrotte ? 0 : 1;; ++k) {
-      SCOPED_TRACE(testing::Message() << k << (interrotte ? " interrupted" : " fails"));
+  for (const int modo : {0, 1, 2})  // a call fails, a read is interrupted, a read finds the end
+    for (int k = modo == 1 ? 0 : 1;; ++k) {
+      SCOPED_TRACE(testing::Message() << k << " mode " << modo);
       evtrec::Reset(true);
       g = Guasti();
-      (interrotte ? g.interrottaAlla : g.alla) = k;
-      g.corte = interrotte && k == 0;
+      (modo == 0 ? g.alla : modo == 1 ? g.interrottaAlla : g.finitaAlla) = k;
+      g.corte = modo == 1 && k == 0;
+      const bool interrotte = modo == 1;
       std::unique_ptr<CFileTkk> conLogo = fixtures::MakeSmallTrack();
       sys::ImpostaSistema(&kGuaste);
       std::unique_ptr<IFileTkk> letto(IFileTkk::CreateMeUponFile(track, true, true));
@@ -239,12 +247,16 @@ TEST_F(FileFaults, ReadsFailAsSpecified) {
         if (k > 1 && g.letture < k) break;
         continue;
       }
+      EXPECT_TRUE(riassunto->GetNumRiassuntivi() == 0 || riassunto->GetNumRiassuntivi() == 2);
+      if (modo == 2) {
+        if (g.letture < k) break;
+        continue;
+      }
       if (!letto->IsGood()) {
         ++fallite;
         ASSERT_EQ(1u, evtrec::Events().size());
         EXPECT_EQ("Can't open file " + track, evtrec::Events()[0].Message());
       }
-      EXPECT_TRUE(riassunto->GetNumRiassuntivi() == 0 || riassunto->GetNumRiassuntivi() == 2);
       if (g.contate < k) break;
     }
   EXPECT_GT(fallite, 1);
