@@ -304,14 +304,15 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   r.VariantIdx = -1;
   r.Dummy[0] = 0xAB;
   // Well-formed sequences at the edges of the ranges, the last up to the end of the name.
-  _SDatoRiassuntivo first = Rec("B\xDF\xBF\xE4\xB8\x80\xC3\x89", "FRA");
+  _SDatoRiassuntivo first = Rec("B\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xC3\x89", "FRA");
   const std::string t = dir.path() + "t.txt";
   ASSERT_TRUE(Summary({&r, &first})->CreaFileAlfabSortedConNazioneTestuale(t));
   const Bytes text = ReadAll(t);
   EXPECT_EQ(
       std::string(text.begin(), text.end()),
       "Name;Country;State;RifLat;RIfLon;RifAlt;Length;BeaconNumber;BeaconType;VariantIdx;FileName;Guid;Date;"
-      "OffsetFw;OffsetPti;Dummy\nB\xDF\xBF\xE4\xB8\x80\xC3\x89;FRA;;0;0;0;0.00;0;1;0;aaaaaaaa;0:0:0:0:0:0:0:"
+      "OffsetFw;OffsetPti;Dummy\nB\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xC3\x89;FRA;;0;0;0;0.00;0;1;0;"
+      "aaaaaaaa;0:0:0:0:0:0:0:"
       "0:0:0;0:0:0:0:0:0:0;"
       "0;0;" +
           std::string(88, '0') +

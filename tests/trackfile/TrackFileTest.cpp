@@ -184,9 +184,11 @@ TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
     evtrec::Reset(true);
     EXPECT_FALSE(Open(path)->IsGood());
     std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
+    track->SetTrackLogo(Write(Bytes(20, 1), "ok.png"));  // then replaced by nothing
     track->SetTrackLogo(path);
-    EXPECT_EQ(std::make_pair(Reports(), track->GetTagInfo()->Indici.IdxLogo + 0),
-              std::make_pair(Texts{"ERROR Can't open file " + path}, 0xFFFF));
+    EXPECT_EQ(std::make_tuple(Reports(), track->GetTagInfo()->Indici.IdxLogo + 0,
+                              track->GetTrackLogoBuffer()->NomeFile),
+              std::make_tuple(Texts{"ERROR Can't open file " + path}, 0xFFFF, std::string()));
   }
   alarm(0);
 }
