@@ -183,7 +183,7 @@ TEST(SummaryCompare, Rules) {
   // Years here and there (0: the same record; 1: only Dummy differs), then the
   // list of each comparison (0 equal, 1 newer here, 2 newer elsewhere).
   const uint32_t cases[][4] = {{0, 0, 0, 0},       {2031, 2020, 2, 1}, {2030, 2020, 2, 1}, {2020, 2030, 1, 2},
-                               {2029, 2020, 1, 1}, {2020, 2029, 2, 2}, {2020, 1, 2, 2}};
+                               {2029, 2020, 1, 1}, {2020, 2029, 2, 2}, {2020, 1, 2, 2},    {2031, 1, 2, 2}};
   _SDatoRiassuntivo onlyHere = Rec("H", "", 0, 0, 0, "hhhhhhhh"),
                     onlyThere = Rec("E", "FRA", 0, 0, 0, "eeeeeeee");
   for (const auto& [hereYear, thereYear, basicList, extendedList] : cases) {
