@@ -66,9 +66,7 @@ static_assert(sizeof(time_t) >= 8, "build with a 64-bit time_t (_TIME_BITS=64)")
 
 bool IDataOraTkk::GetDataOraUTC(tm& t) {
   const time_t now = time(nullptr);
-  memset(&t, 0, sizeof t);
-  tm utc;
-  memset(&utc, 0, sizeof utc);
+  tm utc{};  // stays zero, a year before 2001, if the clock is beyond what tm can hold
   gmtime_r(&now, &utc);
   t = utc;
   // A device whose clock was never set reports a year before 2001.
