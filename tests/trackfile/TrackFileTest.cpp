@@ -491,6 +491,8 @@ TEST_F(TrackEdit, NamesAreCutToTheirFieldsAndAFullOneReadsOn) {
   const std::string saved = setlocale(LC_CTYPE, nullptr);
   ASSERT_NE(setlocale(LC_CTYPE, "en_US.ISO-8859-1"), nullptr) << "test locale missing";
   std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
+  t->AddTagDatiPuntiTracciato({{1, 2, 3}});
+  t->AssegnaPtrPunti();  // without a variant there is nothing to give the shape to
   Fw fw;
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
   ASSERT_TRUE(t->AddTagInfoVariante(std::string(300, 'p'), std::string(40, 'd'), fw, Idx()));

@@ -65,14 +65,17 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
   idx.IdxDatiPlus = t->AddTagDatiPlus(plus);
   _STagInfoVarianteTKK_fw fw;
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
-  ASSERT_TRUE(t->AddTagInfoVariante("", "", fw, idx));
+  ASSERT_TRUE(t->AddTagInfoVariante("", "", fw, idx) &&
+              t->AddTagInfoVariante("", "", fw, _STagIndexesVarianteTKK()));
   IVarianteTkk *plain = t->GetVariantiTrack()[1], *withPlus = t->GetVariantiTrack()[3];
+  IVarianteTkk* noPlus = t->GetVariantiTrack()[4];  // its codes are read through the additional texts only
   withPlus->SetTrackURL("https://example.invalid");
   plain->SetTrackURL("ignored");
   plain->SetNomeXDevice("Changed");
   plain->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
   plain->SetFondoStradaleKey(FONDO_COMBO);
-  EXPECT_EQ(make_tuple(plain->GetCitta() + plain->GetTrackURL() + "|" + withPlus->GetNationCode() +
+  EXPECT_EQ(make_tuple(plain->GetCitta() + plain->GetTrackURL() + noPlus->GetNationCode() +
+                           noPlus->GetSubNationCode() + "|" + withPlus->GetNationCode() +
                            withPlus->GetSubNationCode() + withPlus->GetCitta() + withPlus->GetTrackURL(),
                        string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice), plain->IsTrackChiuso(),
                        plain->OttieniStringaxFondoStradaleKey() + plain->OttieniStringaxTrackTypeCircuitKey(),
