@@ -306,7 +306,12 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   // Well-formed sequences at the edges of the ranges, the last up to the end of the name.
   _SDatoRiassuntivo first = Rec("B\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xC3\x89", "FRA");
   const std::string t = dir.path() + "t.txt";
-  ASSERT_TRUE(Summary({&r, &first})->CreaFileAlfabSortedConNazioneTestuale(t));
+  evtrec::Reset(true);  // null entries are left out, each with a report
+  ASSERT_TRUE(Summary({nullptr, &r, &first, nullptr})->CreaFileAlfabSortedConNazioneTestuale(t));
+  std::string reports;
+  for (const evtrec::Event& e : evtrec::Events()) reports += e.Message() + ";";
+  EXPECT_EQ(reports, "pvar empty pointer;pvar empty pointer;");
+  evtrec::Reset(false);
   const Bytes text = ReadAll(t);
   EXPECT_EQ(
       std::string(text.begin(), text.end()),
