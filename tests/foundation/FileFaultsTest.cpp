@@ -187,6 +187,7 @@ TEST_F(FileFaults, SavesKeepTheOldFilesWhicheverCallFails) {
         // A save may also run through a failure it can do without (an image
         // beside the track, the flush of the directory).
         EXPECT_TRUE(riuscito || !tuttoONiente || ora == prima);
+        EXPECT_TRUE(!riuscito || ora != prima);  // a save that succeeds has written
         if (g.contate < k) {
           EXPECT_EQ(riuscito && ora == dopo, modo != 2);
           break;
