@@ -29,7 +29,8 @@
 namespace {
 
 using fixtures::TempDir;
-using Snapshot = std::map<std::string, fixtures::Bytes>;
+using fixtures::Snapshot;
+using fixtures::Take;
 namespace sys = vektkk::sys;
 
 // The k-th call fails with EIO; what the library did around a failed flush is recorded.
@@ -99,11 +100,6 @@ const sys::Chiamate kGuaste = {
 
 const std::string kNome = "0k3f9zq1";
 
-Snapshot Take(const TempDir& dir) {
-  Snapshot s;
-  for (const std::string& e : dir.Entries()) s[e] = fixtures::ReadAll(dir.path() + e);
-  return s;
-}
 void Empty(const TempDir& dir) {
   for (const std::string& e : dir.Entries()) unlink((dir.path() + e).c_str());
 }

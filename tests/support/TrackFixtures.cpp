@@ -30,6 +30,12 @@ std::vector<std::string> TempDir::Entries() const {
   return names;
 }
 
+Snapshot Take(const TempDir& dir) {
+  Snapshot files;
+  for (const std::string& e : dir.Entries()) files.emplace(e, ReadAll(dir.path() + e));
+  return files;
+}
+
 Bytes ReadAll(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());

@@ -2,6 +2,7 @@
 
 #include <stdint.h>
 
+#include <map>
 #include <memory>
 #include <random>
 #include <string>
@@ -25,6 +26,10 @@ struct TempDir {
   std::vector<std::string> Entries() const;
   std::string path_;
 };
+
+// Every entry of a directory with its bytes.
+using Snapshot = std::map<std::string, std::vector<unsigned char>>;
+Snapshot Take(const TempDir& dir);
 
 Bytes ReadAll(const std::string& path);
 void WriteAll(const std::string& path, const Bytes& bytes);

@@ -12,7 +12,6 @@
 
 #include <chrono>
 #include <functional>
-#include <map>
 #include <memory>
 #include <random>
 #include <string>
@@ -27,7 +26,8 @@ namespace {
 
 using fixtures::Bytes;
 using fixtures::TempDir;
-using Snapshot = std::map<std::string, Bytes>;
+using fixtures::Snapshot;
+using fixtures::Take;
 
 const std::string kNome = "0k3f9zq1", kTrack = kNome + ".tkk";
 
@@ -41,13 +41,6 @@ std::unique_ptr<CFileTkk> MakeTrack(uint32_t seed, size_t logoBytes = 1000) {
 
 bool IsTemporary(const std::string& entry) {
   return entry[0] == '.' && entry.find(".tmp.") != std::string::npos;
-}
-
-// Every entry of `dir` with its bytes.
-Snapshot Take(const TempDir& dir) {
-  Snapshot files;
-  for (const std::string& e : dir.Entries()) files.emplace(e, fixtures::ReadAll(dir.path() + e));
-  return files;
 }
 
 // A child process running `body` (as user nobody if asked): it exits with 0
