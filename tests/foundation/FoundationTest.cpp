@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 #include <string.h>
 
+#include <climits>
+#include <cmath>
+
+#include "Coordinate.h"
 #include "DataOraTkk.h"
 #include "foundation/LittleEndian.h"
 #include "foundation/LogEvento.h"
@@ -55,6 +59,15 @@ TEST(DataOraTkk, EachComparisonKeepsItsOwnRule) {
     const bool got[] = {x<y, x <= y, x> y, x >= y, x == y, x != y};
     for (int i = 0; i < 6; ++i) EXPECT_EQ(got[i], expected[i] == '1') << "operator " << i;
   }
+}
+
+// Degrees to 1e-7 steps, rounded half away from zero, the same on every
+// processor beyond the range of int and for NaN.
+TEST(Coordinate, RoundsAwayFromZeroAndSaturates) {
+  const std::pair<double, int> cases[] = {
+      {45.6185604, 456185604}, {-0.00000006, -1}, {-0.00000004, 0}, {-73.5224996, -735224996},
+      {300.0, INT_MAX},        {-300.0, INT_MIN}, {NAN, 0}};
+  for (const auto& [deg, steps] : cases) EXPECT_EQ(ConvertiLatLonAs32(deg), steps) << deg;
 }
 
 // Every byte in its place, and nothing written past the value.

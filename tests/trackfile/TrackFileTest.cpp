@@ -482,6 +482,8 @@ TEST_F(TrackEdit, BeaconSetsCountLinesUpToTheFirstUnused) {
   EXPECT_EQ(b.GetNumeroSplit(BEACON_OPTIC), 6u);
   b.ClearLineaSplitLLH(1, BEACON_OPTIC);
   EXPECT_EQ(b.GetNumeroSplit(BEACON_OPTIC), 1u);
+  b.SetLarghezzaPista(12, BEACON_SCRUTINEERING);  // the width is held by a set's first line
+  EXPECT_EQ(b.GetLarghezzaPista(BEACON_SCRUTINEERING) * 100 + b.LineeBeacon[0][0].LarghezzaPista, 1212u);
 }
 
 // Names are stored as UTF-8, cut to their fields. A field filled to its last
@@ -522,12 +524,12 @@ TEST_F(TrackEdit, LengthKeyIsTheStandardLengthBelow) {
 TEST_F(TrackEdit, AssigningTheLengthReportsEachChangeOnce) {
   auto t = fixtures::MakeSmallTrack();  // device name "Monza GP"
   t->SetTrackTypeCircuitKey(TRACCIATO_OVAL);
-  const auto halfMile = LUNGHEZZA_1_2_MI;
-  t->SetTrackLenght(&halfMile, nullptr);
+  const auto key = LUNGHEZZA_3_4_MI;  // whole metres: 1207, not 1207.0083
+  t->SetTrackLenght(&key, nullptr);
   EXPECT_TRUE(t->AssignTrackLength());
   EXPECT_EQ(Reports(),
-            (Texts{"INFO for track 'Monza GP' changed fractionary length for track from 1/2 mi to custom",
-                   "INFO for track 'Monza GP' changed length for track from 804.00 m to 0.00 m"}));
+            (Texts{"INFO for track 'Monza GP' changed fractionary length for track from 3/4 mi to custom",
+                   "INFO for track 'Monza GP' changed length for track from 1207.00 m to 0.00 m"}));
   EXPECT_TRUE(t->AssignTrackLength() && evtrec::Events().size() == 2);
 }
 
@@ -538,6 +540,9 @@ TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
   fw.InfoBeacons.LineeBeacon[3][0] = Line(456200000, 92800000, 12);
   fw.InfoBeacons.LineeBeacon[3][1] = Line(456201000, 92800000, 12);
   ASSERT_TRUE(dev->AddTagInfoVariante("GP", "Monza", fw, Idx()));
+  dev->SetCitta("Monza");  // no additional texts to hold it
+  EXPECT_TRUE(dev->GetCitta().empty() && dev->GetAuto() && dev->GetKart() && dev->GetMoto() &&
+              !dev->IsTrackObsoleta());
   const Fw source = dev->GetTagInfo()->InfoFw;
   EXPECT_FALSE(dev->TrasformaPistaUtenteInVek(dir_.path(), BEACON_OPTIC) ||
                !evtrec::Events().empty());  // false also on success
@@ -651,6 +656,7 @@ TEST_F(TrackChecks, BeaconTypeMustSuitTheCircuit) {
     t_->SetTrackTypeCircuitKey(circuit);
     Beacons().TipoBeaconInUso = static_cast<uint8_t>(beacons);
     EXPECT_EQ(t_->IsVekTrackWithCorrectBeaconType(msg_), report.empty()) << beacons;
+    EXPECT_EQ(t_->CanUseBeaconTypeMagnetic(), circuit == TRACCIATO_KART_TRACK);
     EXPECT_EQ(msg_, msg);
     EXPECT_EQ(Reports(), report.empty() ? Texts{} : Texts{report});
   }

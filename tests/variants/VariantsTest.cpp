@@ -72,7 +72,7 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
   withPlus->SetTrackURL("https://example.invalid");
   plain->SetTrackURL("ignored");
   plain->SetNomeXDevice("Changed");
-  plain->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
+  plain->SetTrackTypeCircuitKey(static_cast<_eTipoTracciatoTkk>(4));  // unknown: read as the first type
   plain->SetFondoStradaleKey(FONDO_COMBO);
   EXPECT_EQ(make_tuple(plain->GetCitta() + plain->GetTrackURL() + noPlus->GetNationCode() +
                            noPlus->GetSubNationCode() + "|" + withPlus->GetNationCode() +
@@ -80,8 +80,8 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
                        string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice), plain->IsTrackChiuso(),
                        plain->OttieniStringaxFondoStradaleKey() + plain->OttieniStringaxTrackTypeCircuitKey(),
                        t->GetTagInfoVariante(1)->FondiStradali->Fondi.size()),
-            make_tuple(string("|ITAMBMonzahttps://example.invalid"), string("Changed"), false,
-                       string("ComboRally"), size_t{1}));
+            make_tuple(string("|ITAMBMonzahttps://example.invalid"), string("Changed"), true,
+                       string("ComboRace Track"), size_t{1}));
   STagsInfoVariante stray(t.get());
   EXPECT_EQ(CVarianteTkk(&stray).GetIdxVariante(), -1);
 }
