@@ -134,6 +134,25 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
                         int{fw.InfoBeacons.TipoBeaconInUso}, i, nome, uint64_t{fw.Guid.Valore},
                         uint32_t{fw.DataModifica.Valore}, file.GetOffsetDatiFw(i), file.GetOffsetPti(i)));
   }
+  // Variants added after the names were counted are found and removed by
+  // name, and a name added again after its removal stays.
+  const _SDatoRiassuntivo a = Rec("");
+  std::unique_ptr<CFileRiassuntivo> late = Summary({&a});
+  auto files = [&] {
+    std::vector<const _SDatoRiassuntivo*> left;
+    late->GetDatiRiassuntivi(left);
+    std::string out;
+    for (const _SDatoRiassuntivo* r : left) out += r->GetNomeFile() + " ";
+    return out;
+  };
+  EXPECT_FALSE(late->IsThisFileTkkHere(nome));
+  for (short i = 0; i < n; ++i) late->AddVarianteTkk(track.get(), i);
+  EXPECT_TRUE(late->IsThisFileTkkHere(nome));
+  EXPECT_EQ(late->DelFileTkk(nome), 1);
+  EXPECT_EQ(files(), "aaaaaaaa ");
+  late->AddVarianteTkk(track.get(), 0);
+  EXPECT_EQ(late->DelFileTkk("aaaaaaaa"), 1);
+  EXPECT_EQ(files(), nome + " ");
 }
 
 // A name shorter than 8 characters stands for 8 zero bytes. Removals in a
@@ -294,9 +313,11 @@ TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
 // sort by country, then name.
 TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   TempDir dir;
-  _SDatoRiassuntivo r = Rec("Mon;za 100%\xC3\x89\xFF\n\xED\xA0\x80\xF4\x90\x80\x80", "ITA", 456200000,
-                            92800000, 0x0001800000001234ull, "0k3f9zq1",
-                            7u | 5u << 6 | 14u << 12 | 30u << 17 | 4u << 22 | 9u << 26 | 1u << 31);
+  _SDatoRiassuntivo r =
+      Rec("Mon;za 100%\xC3\x89\xFF\n\xED\xA0\x80\xF4\x90\x80\x80\xE2\x82"
+          "A",
+          "ITA", 456200000, 92800000, 0x0001800000001234ull, "0k3f9zq1",
+          7u | 5u << 6 | 14u << 12 | 30u << 17 | 4u << 22 | 9u << 26 | 1u << 31);
   r.RifAlt = -12000;
   r.Length = 5793.456f;
   r.BeaconNumber = 3;
@@ -307,7 +328,8 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   _SDatoRiassuntivo first = Rec("B\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xC3\x89", "FRA");
   const std::string t = dir.path() + "t.txt";
   evtrec::Reset(true);  // null entries are left out, each with a report
-  ASSERT_TRUE(Summary({nullptr, &r, &first, nullptr})->CreaFileAlfabSortedConNazioneTestuale(t));
+  std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &r, &first, nullptr});
+  ASSERT_TRUE(s->CreaFileAlfabSortedConNazioneTestuale(t));
   std::string reports;
   for (const evtrec::Event& e : evtrec::Events()) reports += e.Message() + ";";
   EXPECT_EQ(reports, "pvar empty pointer;pvar empty pointer;");
@@ -322,12 +344,17 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
       "0;0;" +
           std::string(88, '0') +
           "\nMon%3Bza "
-          "100%25\xC3\x89%FF%0A%ED%A0%80%F4%90%80%80;ITA;;456200000;92800000;-12000;5793.46;3;2;-1;"
+          "100%25\xC3\x89%FF%0A%ED%A0%80%F4%90%80%80%E2%82A;ITA;;456200000;92800000;-12000;5793.46;3;2;-1;"
           "0k3f9zq1;4660:0:0:0:0:0:0:1:1:0;7:5:14:30:4:9:1;0;0;ab" +
           std::string(86, '0') + "\n");
   // Null records are skipped.
   EXPECT_TRUE(CFileRiassuntivo::ScriviRiassuntivoTestuale({nullptr, &first, nullptr, &r}, t));
   EXPECT_EQ(ReadAll(t), text);
+  // A removal still pending is applied before the listing.
+  s->DelFileTkk("0k3f9zq1");
+  ASSERT_TRUE(s->CreaFileAlfabSortedConNazioneTestuale(t));
+  const std::string all(text.begin(), text.end());
+  EXPECT_EQ(ReadAll(t), Bytes(text.begin(), text.begin() + static_cast<long>(all.find("\nMon") + 1)));
 }
 
 // The circuits go into a summary, written as the four sorted sets and read
