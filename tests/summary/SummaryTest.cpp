@@ -10,6 +10,8 @@
 #include <fstream>
 #include <map>
 #include <memory>
+#include <numeric>
+#include <random>
 #include <nlohmann/json.hpp>
 #include <tuple>
 
@@ -103,6 +105,32 @@ TEST(SummaryOrderings, EachRule) {
     EXPECT_FALSE(rs::Precede(order, second, first) || rs::Precede(order, first, first));
     _SDatoRiassuntivo a = first, b = second, last = Rec("\xFF", "\xFF", INT32_MAX, 0, ~0ull);
     EXPECT_EQ(rs::Ordina({&b, &a, &last, nullptr}, order), (std::vector<uint32_t>{1, 0, 2, 3}));
+  }
+}
+
+// The fast sort keeps the pairwise rules, ties in list order, on records
+// that share long prefixes, run on past their fields and hold bytes above 127.
+TEST(SummaryOrderings, SortAgreesWithTheRules) {
+  std::mt19937 rng(7);
+  const unsigned char bytes[] = {0,   'B', 0xC3, 0xFF, 'A', 'A', 'A', 'A',
+                                 'A', 'A', 'A',  'A',  'A', 'A', 'A', 'A'};
+  std::vector<_SDatoRiassuntivo> records(300);
+  rs::Lista list;
+  for (_SDatoRiassuntivo& r : records) {
+    auto* p = reinterpret_cast<unsigned char*>(&r);
+    for (size_t i = 0, n = rng() % 48; i < n; ++i) p[i] = bytes[rng() % 16];
+    r.RifLat = static_cast<int32_t>(rng() % 3) - 1;
+    r.RIfLon = static_cast<int32_t>(rng() % 3) - 1;
+    r.Guid.Valore = uint64_t{rng() % 3} << 32 | rng() % 3;
+    list.push_back(&r);
+  }
+  list.push_back(nullptr);
+  for (O order : {O::AlfabeticoConNazione, O::AlfabeticoSenzaNazione, O::LatLon, O::Guid}) {
+    std::vector<uint32_t> expected(list.size());
+    std::iota(expected.begin(), expected.end(), 0u);
+    std::stable_sort(expected.begin(), expected.end() - 1,
+                     [&](uint32_t x, uint32_t y) { return rs::Precede(order, *list[x], *list[y]); });
+    EXPECT_EQ(rs::Ordina(list, order), expected) << static_cast<int>(order);
   }
 }
 
