@@ -271,15 +271,19 @@ TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
       tracce_[0]->SalvaFileInPath(dir_.path(), &kNome) == kNome && chmod(track.c_str(), 0604) == 0 &&
       tracce_[1]->SalvaFileInPath(dir_.path(), &kNome) == kNome && riassunti_[0]->SalvaFileDev(riassunto);
   struct stat st;
+  std::vector<unsigned char> immagine;
   const bool letti =
       std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(track, true, false))->IsGood() &&
       std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMeUponFile(riassunto))->GetNumRiassuntivi() ==
-          2;
+          2 &&
+      tracce_[0]->SaveTrackFileLogoBuffer(immagine, track) > 0;
+  const bool chiuso = fcntl(0, F_GETFD) == -1;  // nothing left open
   if (in >= 0) {
     dup2(in, 0);
     close(in);
   }
-  EXPECT_TRUE(salvati && letti && stat(track.c_str(), &st) == 0 && (st.st_mode & 0777) == 0604);
+  EXPECT_TRUE(salvati && letti && chiuso && dir_.Entries().size() == 3);  // and the logo image
+  EXPECT_TRUE(stat(track.c_str(), &st) == 0 && (st.st_mode & 0777) == 0604);
 }
 
 // A save first removes what saves killed in other processes left beside it:
