@@ -158,10 +158,10 @@ class Lettore {
 
   // Reads whatever of the file is left; false when it is shorter than it was.
   bool Finisci() {
-    inizio_ = fine_ = 0;
-    while (daLeggere_ > 0)
+    while (daLeggere_ > 0) {
       if (!Assicura(static_cast<size_t>(std::min<uint64_t>(kBuffer, daLeggere_)))) return false;
-      else inizio_ = fine_ = 0;
+      Consuma(Disponibili());
+    }
     return true;
   }
 

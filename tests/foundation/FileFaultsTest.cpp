@@ -119,7 +119,9 @@ struct FileFaults : ::testing::Test {
     }
     for (int i = 0; i < 4000; ++i) riassunti_[2]->AddVarianteTkk(tracce_[0].get(), 0);
   }
-  void TearDown() override { sys::ImpostaSistema(nullptr), evtrec::Reset(false); }
+  void TearDown() override {
+    sys::ImpostaSistema(nullptr), evtrec::Reset(false), faults::PlainContainer(false);
+  }
 
   TempDir dir_;
   std::unique_ptr<CFileTkk> grande_ = fixtures::MakeSmallTrack();
@@ -215,28 +217,37 @@ TEST_F(FileFaults, NamesClaimedUnderALockFileAndTakenTemporaryNamesDrawnAgain) {
 // the call did not matter (closing a file already read). A read interrupted
 // by a signal is made again, and one that moves fewer bytes than asked goes
 // on: nothing is lost (k = 0: every read short). A file cut while it is read
-// gives a failure or what was read whole, and never a wait.
+// gives a failure or what was read whole, and never a wait; a malformed file
+// cut while the rest of it is read is reported as cut. Tracks are read
+// through both kinds of container.
 TEST_F(FileFaults, ReadsFailAsSpecified) {
   const size_t descrittori = Descrittori();
   ASSERT_EQ(kNome, tracce_[2]->SalvaFileInPath(dir_.path(), &kNome));
   const std::string track = dir_.path() + kNome + ".tkk", immagine = dir_.path() + "logo.png";
   riassunti_[0]->SalvaFileDev(dir_.path() + "s.bin");
   fixtures::WriteAll(immagine, fixtures::Bytes(3000, 7));
+  const std::string rotto = dir_.path() + grande_->SalvaFileInPath(dir_.path(), nullptr) + ".tkk";
+  fixtures::Bytes b = fixtures::ReadAll(rotto);
+  b[20] ^= 1;  // the first atom's check fails
+  fixtures::WriteAll(rotto, b);
   int fallite = 0;
-  for (const int modo : {0, 1, 2})  // a call fails, a read is interrupted, a read finds the end
-    for (int k = modo == 1 ? 0 : 1;; ++k) {
+  // A call fails, a read is interrupted, a read finds the end; 3 to 5 the same without pieces.
+  for (const int modo : {0, 1, 2, 3, 4, 5})
+    for (int k = modo % 3 == 1 ? 0 : 1;; ++k) {
       SCOPED_TRACE(testing::Message() << k << " mode " << modo);
+      faults::PlainContainer(modo > 2);
       evtrec::Reset(true);
       g = Guasti();
-      (modo == 0 ? g.alla : modo == 1 ? g.interrottaAlla : g.finitaAlla) = k;
-      g.corte = modo == 1 && k == 0;
-      const bool interrotte = modo == 1;
+      (modo % 3 == 0 ? g.alla : modo % 3 == 1 ? g.interrottaAlla : g.finitaAlla) = k;
+      g.corte = modo % 3 == 1 && k == 0;
+      const bool interrotte = modo % 3 == 1;
       std::unique_ptr<CFileTkk> conLogo = fixtures::MakeSmallTrack();
       sys::ImpostaSistema(&kGuaste);
       std::unique_ptr<IFileTkk> letto(IFileTkk::CreateMeUponFile(track, true, true));
       std::unique_ptr<IFileRiassuntivo> riassunto(IFileRiassuntivo::CreateMeUponFile(dir_.path() + "s.bin"));
       std::vector<unsigned char> logo(5, 1);
       conLogo->SaveTrackFileLogoBuffer(logo, immagine);
+      if (modo % 3 == 2) std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(rotto, true, true));
       sys::ImpostaSistema(nullptr);
       EXPECT_TRUE(logo.empty() || logo == fixtures::Bytes(3000, 7));
       if (interrotte) {
@@ -245,7 +256,9 @@ TEST_F(FileFaults, ReadsFailAsSpecified) {
         continue;
       }
       EXPECT_TRUE(riassunto->GetNumRiassuntivi() == 0 || riassunto->GetNumRiassuntivi() == 2);
-      if (modo == 2) {
+      if (modo % 3 == 2) {
+        EXPECT_EQ(evtrec::Events().back().Message(),
+                  (g.letture >= k ? "Can't open file " : "Can't interpret file ") + rotto);
         if (g.letture < k) break;
         continue;
       }
