@@ -283,6 +283,9 @@ TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
   const bool salvati =
       tracce_[0]->SalvaFileInPath(dir_.path(), &kNome) == kNome && chmod(track.c_str(), 0604) == 0 &&
       tracce_[1]->SalvaFileInPath(dir_.path(), &kNome) == kNome && riassunti_[0]->SalvaFileDev(riassunto);
+  faults::NoHardLinks(true, true);  // a new name claimed under a lock file
+  const bool bloccato = !tracce_[2]->SalvaFileInPath(dir_.path(), nullptr).empty();
+  faults::NoHardLinks(false);
   struct stat st;
   std::vector<unsigned char> immagine;
   const bool letti =
@@ -295,7 +298,7 @@ TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
     dup2(in, 0);
     close(in);
   }
-  EXPECT_TRUE(salvati && letti && chiuso && dir_.Entries().size() == 3);  // and the logo image
+  EXPECT_TRUE(salvati && bloccato && letti && chiuso && dir_.Entries().size() == 4);  // two tracks, the summary, a logo
   EXPECT_TRUE(stat(track.c_str(), &st) == 0 && (st.st_mode & 0777) == 0604);
 }
 
