@@ -298,8 +298,8 @@ TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
     dup2(in, 0);
     close(in);
   }
-  EXPECT_TRUE(salvati && bloccato && letti && chiuso &&
-              dir_.Entries().size() == 4);  // two tracks, the summary, a logo
+  // Two tracks, the summary and a logo image.
+  EXPECT_TRUE(salvati && bloccato && letti && chiuso && dir_.Entries().size() == 4);
   EXPECT_TRUE(stat(track.c_str(), &st) == 0 && (st.st_mode & 0777) == 0604);
 }
 
