@@ -1,22 +1,25 @@
-// Peak memory of reading a file, counted through the replaced global
-// operator new and delete: a read may take no more than a small multiple of
-// the file's own size (plus a fixed allowance for the empty objects), and a
-// size field that promises more than the file holds is never allocated.
+// Memory through the replaced global operator new and delete. A read may
+// take no more than a small multiple of the file's own size (plus a fixed
+// allowance for the empty objects), and a size field that promises more than
+// the file holds is never allocated. Allocations that fail lose nothing.
 #include <gtest/gtest.h>
 #include <malloc.h>
 
 #include <atomic>
 #include <new>
+#include <tuple>
 
 #include "CFileTkk.h"
 #include "IFileRiassuntivo.h"
 #include "platform/IAtomTagEncoderBin.h"
+#include "summary/CFileRiassuntivo.h"
 #include "support/TrackFixtures.h"
 
 namespace {
-std::atomic<size_t> g_live{0}, g_peak{0};
+std::atomic<size_t> g_live{0}, g_peak{0}, g_limit{SIZE_MAX};  // larger blocks fail
 void* Allocate(size_t size) noexcept {
-  void* p = malloc(size == 0 ? 1 : size);
+  void* p = size > g_limit ? nullptr : malloc(size == 0 ? 1 : size);
+  if (p == nullptr) return nullptr;
   const size_t live = g_live += malloc_usable_size(p);
   for (size_t peak = g_peak.load(); live > peak && !g_peak.compare_exchange_weak(peak, live);) continue;
   return p;
@@ -92,6 +95,26 @@ TEST(ReadPeakMemory, TrackAndSummaryFiles) {
       EXPECT_EQ(read->GetNumRiassuntivi(), size % 128 == 0 ? 1000 : 0) << size;
     });
   }
+}
+
+// Out of memory, an atom is appended whole or not at all, and a summary
+// finds and removes records by name without its table of names.
+TEST(OutOfMemory, AtomsWholeOrNotAtAllSummariesWithoutTheirTables) {
+  std::unique_ptr<IAtomTagEncoderBin> enc(IAtomTagEncoderBin::CreateMe());
+  Bytes out(10, 1), payload(1 << 20, 2);
+  CFileRiassuntivo s;
+  for (int i = 0; i < 3000; ++i) {
+    s.Lista().push_back(new _SDatoRiassuntivo);
+    memcpy(s.Lista().back()->FileName, std::to_string(10000000 + i).data(), 8);
+  }
+  g_limit = 64 * 1024;
+  const bool appended = enc->append(out, "big", payload.data(), 1 << 20, 0);
+  const bool found = s.IsThisFileTkkHere("10000007");
+  const int left = s.DelFileTkk("10000007");
+  const bool gone = !s.IsThisFileTkkHere("10000007") && s.IsThisFileTkkHere("10000008");
+  g_limit = SIZE_MAX;
+  EXPECT_EQ(std::make_tuple(appended, out, found, left, gone),
+            std::make_tuple(false, Bytes(10, 1), true, 2999, true));
 }
 
 }  // namespace
