@@ -102,19 +102,24 @@ TEST(ReadPeakMemory, TrackAndSummaryFiles) {
 TEST(OutOfMemory, AtomsWholeOrNotAtAllSummariesWithoutTheirTables) {
   std::unique_ptr<IAtomTagEncoderBin> enc(IAtomTagEncoderBin::CreateMe());
   Bytes out(10, 1), payload(1 << 20, 2);
-  CFileRiassuntivo s;
-  for (int i = 0; i < 3000; ++i) {
-    s.Lista().push_back(new _SDatoRiassuntivo);
-    memcpy(s.Lista().back()->FileName, std::to_string(10000000 + i).data(), 8);
-  }
   g_limit = 64 * 1024;
   const bool appended = enc->append(out, "big", payload.data(), 1 << 20, 0);
-  const bool found = s.IsThisFileTkkHere("10000007");
-  const int left = s.DelFileTkk("10000007");
-  const bool gone = !s.IsThisFileTkkHere("10000007") && s.IsThisFileTkkHere("10000008");
   g_limit = SIZE_MAX;
-  EXPECT_EQ(std::make_tuple(appended, out, found, left, gone),
-            std::make_tuple(false, Bytes(10, 1), true, 2999, true));
+  const size_t before = g_live.load();
+  std::unique_ptr<CFileRiassuntivo> s(new CFileRiassuntivo);
+  for (int i = 0; i < 3000; ++i) {
+    s->Lista().push_back(new _SDatoRiassuntivo);
+    memcpy(s->Lista().back()->FileName, std::to_string(10000000 + i).data(), 8);
+  }
+  g_limit = 64 * 1024;
+  const bool found = s->IsThisFileTkkHere("10000007");
+  const int left = s->DelFileTkk("10000007");
+  const bool gone = !s->IsThisFileTkkHere("10000007") && s->IsThisFileTkkHere("10000008");
+  g_limit = SIZE_MAX;
+  s.reset();  // its records go with it
+  const size_t after = g_live.load();
+  EXPECT_EQ(std::make_tuple(appended, out, found, left, gone, after),
+            std::make_tuple(false, Bytes(10, 1), true, 2999, true, before));
 }
 
 }  // namespace
