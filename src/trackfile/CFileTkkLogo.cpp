@@ -68,8 +68,7 @@ void CFileTkk::SetTrackLogo(const std::string& path) {
     const size_t slash = path.find_last_of('/');
     if (slash != std::string::npos) logo->NomeFile = path.substr(slash + 1);
   } else {
-    logo->NomeFile.clear();
-    logo->Dati.clear();
+    logo->NomeFile.clear();  // the failed read left the image empty
     main->Indici.IdxLogo = 0xFFFF;
     main->Indici.IdxDatiPlus = 0xFFFF;
   }

@@ -8,6 +8,7 @@
 #include "atomtag/Crc32.h"
 #include "platform/IAtomTagDecoderBin.h"
 #include "platform/IAtomTagEncoderBin.h"
+#include "platform/IAtomTagPieces.h"
 #include "platform/IStrConv.h"
 
 namespace {
@@ -24,8 +25,10 @@ TEST(AtomTag, DamageIsDetected) {
   std::unique_ptr<IAtomTagDecoderBin> decoder(IAtomTagDecoderBin::CreateMe());
   Bytes buffer;
   ASSERT_TRUE(encoder->append(buffer, "pts", "abc", 3, 0) && encoder->append(buffer, "e", nullptr, 0, 0));
+  unsigned char header[8];
   EXPECT_FALSE(encoder->append(buffer, "LAPSX", "abc", 3, 0) ||
-               encoder->append(buffer, "pts", nullptr, 1, 0));
+               encoder->append(buffer, "pts", nullptr, 1, 0) ||
+               dynamic_cast<IAtomTagPieces&>(*decoder).makeHeader("LAPSX", 3, header));
   std::vector<SAtomTag> atoms;
   EXPECT_TRUE(decoder->decode(buffer.data(), buffer.size(), atoms) && decoder->decode(nullptr, 0, atoms) &&
               !decoder->decode(nullptr, 1, atoms));

@@ -25,9 +25,9 @@
 namespace {
 
 using fixtures::Bytes;
-using fixtures::TempDir;
 using fixtures::Snapshot;
 using fixtures::Take;
+using fixtures::TempDir;
 
 const std::string kNome = "0k3f9zq1", kTrack = kNome + ".tkk";
 
@@ -133,10 +133,10 @@ TEST_P(DurableSave, ReplacingKeepsModeOwnerAndLinksAndRefusesWhatItMayNotWrite) 
   for (const std::string& entry : dir_.Entries())
     ASSERT_TRUE(chmod((dir_.path() + entry).c_str(), 0640) == 0 &&
                 (!root || chown((dir_.path() + entry).c_str(), 4321, 4322) == 0));
-  // The track's name becomes the first of 40 links, c1 to c39 next, to the file "real".
+  // The track's name becomes the first of 40 links, c1 to c39 next, to the file "real" by its full path.
   ASSERT_EQ(0, rename((dir_.path() + kTrack).c_str(), (dir_.path() + "real").c_str()));
   for (int i = 0; i < 40; ++i)
-    ASSERT_EQ(0, symlink(i == 39 ? "real" : ("c" + std::to_string(i + 1)).c_str(),
+    ASSERT_EQ(0, symlink((i == 39 ? dir_.path() + "real" : "c" + std::to_string(i + 1)).c_str(),
                          (dir_.path() + (i == 0 ? kTrack : "c" + std::to_string(i))).c_str()));
   const std::unique_ptr<CFileTkk> next = MakeTrack(10);
   TempDir fresh;

@@ -531,6 +531,12 @@ TEST_F(TrackEdit, AssigningTheLengthReportsEachChangeOnce) {
             (Texts{"INFO for track 'Monza GP' changed fractionary length for track from 3/4 mi to custom",
                    "INFO for track 'Monza GP' changed length for track from 1207.00 m to 0.00 m"}));
   EXPECT_TRUE(t->AssignTrackLength() && evtrec::Events().size() == 2);
+  const float metres = 7.5f;  // no key: a length of its own
+  t->SetTrackLenght(nullptr, &metres);
+  EXPECT_EQ(t->GetTrackLenght(), 7.5f);
+  t->SetTrackTypeCircuitKey(static_cast<_eTipoTracciatoTkk>(4));  // unknown: no oval, read as the first
+  EXPECT_TRUE(t->AssignTrackLength() && t->GetTrackLenghtKey() == 0);
+  EXPECT_EQ(t->OttieniStringaxTrackTypeCircuitKey(), "Race Track");
 }
 
 TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
@@ -541,6 +547,7 @@ TEST_F(TrackEdit, DevelopmentTrackConvertsToAMakersCopy) {
   fw.InfoBeacons.LineeBeacon[3][1] = Line(456201000, 92800000, 12);
   ASSERT_TRUE(dev->AddTagInfoVariante("GP", "Monza", fw, Idx()));
   dev->SetCitta("Monza");  // no additional texts to hold it
+  dev->SetTrackComment("x");
   EXPECT_TRUE(dev->GetCitta().empty() && dev->GetAuto() && dev->GetKart() && dev->GetMoto() &&
               !dev->IsTrackObsoleta());
   const Fw source = dev->GetTagInfo()->InfoFw;
@@ -656,7 +663,8 @@ TEST_F(TrackChecks, BeaconTypeMustSuitTheCircuit) {
     t_->SetTrackTypeCircuitKey(circuit);
     Beacons().TipoBeaconInUso = static_cast<uint8_t>(beacons);
     EXPECT_EQ(t_->IsVekTrackWithCorrectBeaconType(msg_), report.empty()) << beacons;
-    EXPECT_EQ(t_->CanUseBeaconTypeMagnetic(), circuit == TRACCIATO_KART_TRACK);
+    EXPECT_EQ(t_->CanUseBeaconTypeMagnetic() * 2 + t_->IsGood(),
+              (circuit == TRACCIATO_KART_TRACK) * 2 + (beacons != BEACON_IN_USO));
     EXPECT_EQ(msg_, msg);
     EXPECT_EQ(Reports(), report.empty() ? Texts{} : Texts{report});
   }

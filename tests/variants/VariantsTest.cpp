@@ -56,7 +56,8 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
     // No additional-text record after a read: no nation code through a view.
     EXPECT_EQ(make_tuple(v->GetNationCode(), v->GetNamexSito(), v->GetGuidNomeFile(),
                          v->GetNomeFileDaFileSystem(), v->IsGood(), v->IsUserCreatedNewTrack(),
-                         v->IsVekTrack() || v->GetTrackIsReadOnly() || v->IsDevTrack()),
+                         v->IsVekTrack() || v->GetTrackIsReadOnly() || v->IsDevTrack() ||
+                             v->IsTrackObsoleta() || !(v->GetAuto() && v->GetKart() && v->GetMoto())),
               make_tuple(string(), string("Autodromo"), name, name, true, true, false));
   }
   STagDatiPlus plus;
@@ -73,7 +74,7 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
   plain->SetTrackURL("ignored");
   plain->SetNomeXDevice("Changed");
   plain->SetTrackTypeCircuitKey(static_cast<_eTipoTracciatoTkk>(4));  // unknown: read as the first type
-  plain->SetFondoStradaleKey(FONDO_COMBO);
+  plain->SetFondoStradaleKey(static_cast<_eTipoRoadSurfaceTkk>(10));  // unknown: read as the first
   EXPECT_EQ(make_tuple(plain->GetCitta() + plain->GetTrackURL() + noPlus->GetNationCode() +
                            noPlus->GetSubNationCode() + "|" + withPlus->GetNationCode() +
                            withPlus->GetSubNationCode() + withPlus->GetCitta() + withPlus->GetTrackURL(),
@@ -81,7 +82,7 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
                        plain->OttieniStringaxFondoStradaleKey() + plain->OttieniStringaxTrackTypeCircuitKey(),
                        t->GetTagInfoVariante(1)->FondiStradali->Fondi.size()),
             make_tuple(string("|ITAMBMonzahttps://example.invalid"), string("Changed"), true,
-                       string("ComboRace Track"), size_t{1}));
+                       string("PavedRace Track"), size_t{1}));
   STagsInfoVariante stray(t.get());
   EXPECT_EQ(CVarianteTkk(&stray).GetIdxVariante(), -1);
 }
