@@ -313,17 +313,12 @@ TEST_F(FileFaults, LeftoversOfDeadProcessesAreRemoved) {
   const std::string m = ".tmp." + std::to_string(morto), io = std::to_string(getpid());
   const int tenuto = open((dir_.path() + ".b.tkk.tmp.lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
   ASSERT_EQ(0, flock(tenuto, LOCK_EX));
-  std::vector<std::string> restano = {".a" + m + ".1",
-                                      ".a" + m + ".1.2x",
-                                      ".a" + m + ".1.2.3",
-                                      ".a.tmp.x" + m.substr(5) + ".1.2",
-                                      ".a.tmp." + io + ".1.2",
-                                      ".a.tmp.1.1.2",
-                                      "a" + m + ".1.2",
-                                      m + ".1.2",
-                                      ".b.tkk.tmp.lock",
-                                      "b.tkk.tmp.lock",
-                                      ".a.tmp.+" + m.substr(5) + ".1.2"};
+  // clang-format off
+  std::vector<std::string> restano = {
+      ".a" + m + ".1", ".a" + m + ".1.2x", ".a" + m + ".1.2.3", ".a.tmp.x" + m.substr(5) + ".1.2",
+      ".a.tmp.+" + m.substr(5) + ".1.2", ".a.tmp." + io + ".1.2", ".a.tmp.1.1.2", "a" + m + ".1.2", m + ".1.2",
+      ".b.tkk.tmp.lock", "b.tkk.tmp.lock"};
+  // clang-format on
   for (const std::string& e : restano) fixtures::WriteAll(dir_.path() + e, {});
   for (const std::string& e : {".a" + m + ".0.2", std::string(".c.tkk.tmp.lock")})
     fixtures::WriteAll(dir_.path() + e, {});

@@ -1,7 +1,7 @@
 // The tool's logic in-process: geodesy and projection, reading maps, building
-// tracks from them, summaries as the tool builds, searches, compares and
-// shows them, and what the binary runs cannot show cheaply of the exports,
-// pictures and checks.
+// tracks from them, summaries as the tool builds, compares and shows them,
+// and what the binary runs cannot show cheaply of the exports and pictures.
+// Searches and checks are shown by the binary runs.
 #include <gtest/gtest.h>
 #include <math.h>
 #include <stdlib.h>
@@ -17,7 +17,6 @@
 #include "Catalogue.h"
 #include "Export.h"
 #include "Import.h"
-#include "NearestTracks.h"
 #include "Projection.h"
 #include "Render.h"
 #include "Report.h"
@@ -188,19 +187,6 @@ TEST(TrackBuilder, LayoutsBecomeVariantsWithTheirGeometryAndKeysExportAsReadOpti
   for (const char* bad : {"4", "0", "Tarmac"}) EXPECT_THROW(ParseTrackType(bad), BadInput) << bad;
 }
 
-// Far from the centre, and a US finish line east of Greenwich; the maker's
-// rule does not apply to a user's track.
-TEST(Report, ChecksExplainFailuresAndSkipTheMakersRuleForUsers) {
-  Circuit far{"Far", "US", "", {kTwoLayouts.layouts[0]}};
-  far.layouts[0].points.insert(far.layouts[0].points.begin(), GeoPoint{44.320, 11.716});
-  const auto track = BuildTrack(far, NewTrackOptions());
-  const nlohmann::json check = CheckTrack(*track, "t.tkk");
-  std::string passed;
-  for (const auto& c : check["checks"]) passed += c["passed"].get<bool>() ? "+" : "-";
-  EXPECT_EQ(passed, "+--+");
-  EXPECT_EQ(check["checks"][3]["message"], "not applicable: a user's track");
-}
-
 struct TempDir {
   std::string path = mkdtemp(&(std::filesystem::temp_directory_path().string() + "/tkk-XXXXXX")[0]);
   ~TempDir() { std::filesystem::remove_all(path); }
@@ -235,8 +221,9 @@ class TwoTracks : public testing::Test {
   const SummaryBuild build = BuildSummary(dir.path);
 };
 
-// Tracks in name order, variant by variant; unreadable tracks are listed.
-TEST_F(TwoTracks, SummaryHoldsThemInNameOrderVariantByVariantAndListsUnreadableOnes) {
+// Tracks in name order, variant by variant, in the summary, its listing and
+// its catalogue page; unreadable tracks are listed.
+TEST_F(TwoTracks, SummaryListAndCatalogueInNameOrderUnreadableOnesListed) {
   ASSERT_EQ(build.tracks.size(), 2u);
   ASSERT_EQ(build.skipped.size(), 1u);
   EXPECT_EQ(build.skipped[0].path, dir.path + "/zz-broken.tkk");
@@ -249,22 +236,21 @@ TEST_F(TwoTracks, SummaryHoldsThemInNameOrderVariantByVariantAndListsUnreadableO
             std::string::npos)
       << text;
   EXPECT_NE(text.find("    0  Imöla  IT             44.34200  11.71200  1.526 km  20"), std::string::npos);
-}
-
-// Which track comes first and how far it is are shown by the binary runs;
-// here the limits, the text with distances in whole metres, and the input.
-TEST_F(TwoTracks, NearestWithinReachLimitedAndInWholeMetres) {
-  NearestQuery query{44.5, 11.0};
-  const nlohmann::json all = NearestTracks(*build.summary, query);
-  ASSERT_EQ(all.size(), 3u);
-  query.limit = 2;
-  EXPECT_EQ(NearestTracks(*build.summary, query).size(), 2u);
-  EXPECT_EQ(NearestText(all).find('.'), std::string::npos) << NearestText(all);
-  query.withinM = 0;
-  EXPECT_EQ(NearestText(NearestTracks(*build.summary, query)), "no track within reach\n");
-  EXPECT_EQ(ParseDegrees("-90", "latitude", 90) + ParseDegrees("180", "longitude", 180), 90.0);
-  for (const char* bad : {"", "45x", "90.0001", "nan", "inf", "1e400", " "})
-    EXPECT_THROW(ParseDegrees(bad, "latitude", 90), BadInput) << bad;
+  // The catalogue (its rows and pictures are counted in the browser end to
+  // end): rows by nation, site and variant, names escaped, no script.
+  std::vector<CatalogueRow> rows;
+  for (const SummarisedTrack& track : build.tracks)
+    for (size_t v = 0; v < track.variants.size(); ++v) {
+      CatalogueRow row{nullptr, &track.variants[v], "x.geojson"};
+      build.summary->GetDatoRiassuntivo(row.record, static_cast<int>(track.firstRecord + v));
+      rows.push_back(row);
+    }
+  const std::string page = CataloguePage(rows, 2);
+  const size_t at = page.find("\"name\">Monza");
+  EXPECT_LT(page.find("\"name\">Imöla<"), at);
+  EXPECT_LT(page.find(">L0 · Race Track<", at), page.find(">L1 · Race Track<", at));
+  EXPECT_NE(page.find("\"name\">Monza &amp; &lt;Co&gt;</span>"), std::string::npos);
+  EXPECT_EQ(page.find("<script"), std::string::npos);
 }
 
 _SDatoRiassuntivo Record(const char* file, short variant, const char* name, uint32_t date) {
@@ -322,25 +308,6 @@ TEST(StagedFolder, FilesAppearTogetherOrNotAtAll) {
   both << std::ifstream(out.path + "/summary.bin").rdbuf() << std::ifstream(out.path + "/index.html").rdbuf();
   EXPECT_EQ(both.str(), "newpage");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(out.path), {}), 2) << "staging left behind";
-}
-
-// Rows and pictures are counted in the browser end to end. Here: rows in the
-// summary's order (Monza saved first) come out by nation, site and variant;
-// names are escaped and the page runs no script.
-TEST_F(TwoTracks, CataloguePageOrderEscapesAndNoScript) {
-  std::vector<CatalogueRow> rows;
-  for (const SummarisedTrack& track : build.tracks)
-    for (size_t v = 0; v < track.variants.size(); ++v) {
-      CatalogueRow row{nullptr, &track.variants[v], "x.geojson"};
-      build.summary->GetDatoRiassuntivo(row.record, static_cast<int>(track.firstRecord + v));
-      rows.push_back(row);
-    }
-  const std::string page = CataloguePage(rows, 2);
-  const size_t monza = page.find("\"name\">Monza");
-  EXPECT_LT(page.find("\"name\">Imöla<"), monza);
-  EXPECT_LT(page.find(">L0 · Race Track<", monza), page.find(">L1 · Race Track<", monza));
-  EXPECT_NE(page.find("\"name\">Monza &amp; &lt;Co&gt;</span>"), std::string::npos);
-  EXPECT_EQ(page.find("<script"), std::string::npos);
 }
 
 }  // namespace

@@ -234,26 +234,6 @@ TEST_F(TrackFile, MalformedButReadableFiles) {
     }
 }
 
-// The file-system name is kept when it has eight characters; the flags of a
-// generated name tell a maker's track from a development one.
-TEST_F(TrackFile, NameOnDiskAndFlagsFromTheName) {
-  const Bytes bytes = FileBuilder().Info().Fw().Idx().bytes;
-  const std::pair<const char*, const char*> cases[] = {
-      {"ABCDEFGH.tkk", "ABCDEFGH"}, {"ABC.tkk", ""}, {"ABCDEFGHI.tkk", ""}};
-  for (const auto& [file, kept] : cases) {
-    char name[8];  // no terminator when full
-    Open(Write(bytes, file))->GetNomeFile(name);
-    EXPECT_EQ(std::string(name, strnlen(name, 8)), kept) << file;
-  }
-  for (int flags = 0; flags < 4; ++flags) {
-    const std::string name = IGuidNomeFile::GetNomeFile(flags & 1, flags >> 1);
-    std::unique_ptr<CFileTkk> track = Open(Write(bytes, name + ".tkk"));
-    EXPECT_EQ(std::make_tuple(track->IsVekTrack(), track->IsDevTrack(), track->IsGood()),
-              std::make_tuple((flags & 1) == 1, flags >> 1 == 1, flags != 3))
-        << name;
-  }
-}
-
 // Images are written beside the track, unless too short (five bytes) or
 // named outside its directory; a read without logos reads none and does not
 // check the logo index.
@@ -357,54 +337,6 @@ TEST_F(TrackFile, RandomTracksComeBackByteForByte) {
     }
     EXPECT_FALSE(again->GetTrackComment() != "" || again->LeggiFile(bad, false));
   }
-}
-
-// The name generator repeats a name when the clock and rand() repeat: the
-// second save must find the name taken and wait for a free one, with hard
-// links, without them, and without exclusive renames either; a dangling
-// link under the name counts as taken. The name tells a maker's track.
-TEST_F(TrackFile, GeneratedNamesNeverReplaceATrack) {
-  // No hard links, no exclusive rename, a maker's track, a dangling link in place of the first.
-  const bool cases[][4] = {{0, 0, 0, 0}, {1, 0, 1, 0}, {1, 1, 0, 0}, {0, 0, 0, 1}};
-  for (const auto& c : cases) {
-    fixtures::TempDir dir;
-    faults::NoHardLinks(c[0], c[1]);
-    fakeclock::Freeze(fakeclock::Utc(2026, 11, 22, 10, 0, 0));
-    for (int i = 0; i < 60; ++i) fakeclock::QueueRand({0x105});
-    auto first = fixtures::MakeRandomTrack(1, c[2]), second = fixtures::MakeRandomTrack(2, c[2]);
-    const std::string a = first->SalvaFileInPath(dir.path(), nullptr), taken = dir.path() + a + ".tkk";
-    ASSERT_EQ(0, c[3] ? unlink(taken.c_str()) + symlink("nowhere", taken.c_str()) : 0);
-    CFileTkk& again = c[3] ? *first : *second;
-    const std::string b = again.SalvaFileInPath(dir.path(), nullptr);
-    const long long waits = fakeclock::UsleepCalls();
-    fakeclock::Reset();
-    faults::NoHardLinks(false);
-    EXPECT_TRUE(waits > 0);
-    EXPECT_EQ(dir.Entries(), (Texts{std::min(a, b) + ".tkk", std::max(a, b) + ".tkk"}));
-    std::unique_ptr<CFileTkk> read = Open(dir.path() + b + ".tkk");
-    EXPECT_EQ(std::make_tuple(read->IsVekTrack(), read->IsDevTrack(), SaveIn(*read, dir_.path())),
-              std::make_tuple(c[2], false, SaveIn(again, dir_.path())));
-  }
-}
-
-// Logos of nine bytes or less, or without a name, are not saved; the writer
-// does not renumber, so the variant whose IdxLogo was 0 names the next one.
-// Logos apart go beside the track under its name, the extension kept.
-TEST_F(TrackFile, LogosOfNineBytesOrLessAreNotSaved) {
-  auto track = fixtures::MakeSmallTrack();
-  Idx idx;
-  idx.IdxLogo = track->AddTagDatiLogo(Bytes(9, 1), "/x/small.png");
-  track->AddTagDatiLogo(Bytes(10, 2), "/x/big.png");
-  track->AddTagDatiLogo(Bytes(50, 3), "");
-  ASSERT_TRUE(track->AddTagInfoVariante("", "", Fw(), idx));
-  SaveIn(*track, dir_.path());
-  EXPECT_EQ(Open(dir_.path() + name_ + ".tkk")->GetTagInfoVariante(1)->Logo->NomeFile,
-            dir_.path() + "big.png");
-  // With no "lgo" atom the variant that names logo 0 is skipped on reading.
-  ASSERT_EQ(track->SalvaFileInPathLogoEsterno(dir_.path(), "logo0002"), "logo0002");
-  EXPECT_EQ(dir_.Entries(), (Texts{"0k3f9zq1.tkk", "big.png", "logo0002.png", "logo0002.tkk"}));
-  EXPECT_TRUE(fixtures::ReadAll(dir_.path() + "logo0002.png") == Bytes(10, 2) &&
-              Open(dir_.path() + "logo0002.tkk")->GetTagsInfoVarianti().size() == 1);
 }
 
 // --- The golden file --------------------------------------------------------
