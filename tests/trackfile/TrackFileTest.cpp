@@ -339,6 +339,22 @@ TEST_F(TrackFile, RandomTracksComeBackByteForByte) {
   }
 }
 
+// Logos of nine bytes or less, or without a name, are neither embedded nor
+// written beside the track.
+TEST_F(TrackFile, LogosOfNineBytesOrLessAreNotSaved) {
+  auto track = fixtures::MakeSmallTrack();
+  Idx idx;
+  idx.IdxLogo = track->AddTagDatiLogo(Bytes(9, 1), "/x/small.png");
+  track->AddTagDatiLogo(Bytes(10, 2), "/x/big.png");
+  track->AddTagDatiLogo(Bytes(50, 3), "");
+  ASSERT_TRUE(track->AddTagInfoVariante("", "", Fw(), idx));
+  SaveIn(*track, dir_.path());  // the writer does not renumber: logo 0 is now the big one
+  EXPECT_EQ(Open(dir_.path() + name_ + ".tkk")->GetTagInfoVariante(1)->Logo->Dati, Bytes(10, 2));
+  ASSERT_EQ(track->SalvaFileInPathLogoEsterno(dir_.path(), name_), name_);
+  EXPECT_EQ(std::make_pair(dir_.Entries(), fixtures::ReadAll(dir_.path() + name_ + ".png")),
+            std::make_pair(Texts{name_ + ".png", name_ + ".tkk", "big.png"}, Bytes(10, 2)));
+}
+
 // --- The golden file --------------------------------------------------------
 
 // CRC-32 as the document gives it: reflected 0xEDB88320, bitwise.
