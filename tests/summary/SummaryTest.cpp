@@ -383,11 +383,8 @@ TEST(SummaryF1, CircuitsThroughTheSummary) {
     for (size_t i = 0; i < 2; ++i) fw.NationCode[i] = static_cast<char>(toupper(id[i]));
     fw.LatRif = shape[0].LatI;
     fw.LonRif = shape[0].LonI;
-    _SDatoCoordinateBeacon finish;
-    finish.LatI = shape[0].LatI;
-    finish.LonI = shape[0].LonI;
-    finish.LarghezzaPista = 12000;
-    fw.InfoBeacons.SetLineeSplitLLH(0, finish, BEACON_SCRUTINEERING);
+    _SDatoCoordinateBeacon& finish = fw.InfoBeacons.LineeBeacon[0][0];  // the scrutineering set's
+    finish.LatI = shape[0].LatI, finish.LonI = shape[0].LonI, finish.LarghezzaPista = 12000;
     const std::string name = feature["properties"]["Name"];
     ASSERT_TRUE(track->AddTagInfoVariante(name, name, fw, idx)) << id;
     fileOf[id] = track->SalvaFileInPath(dir.path(), nullptr);

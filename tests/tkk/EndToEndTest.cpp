@@ -159,18 +159,15 @@ TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
           write("lat.gpx", R"(<gpx><rte><rtept lat="95" lon="9"/><rtept lat="4" lon="9"/></rte></gpx>)") + o,
       "new " + write("text.geojson", R"({"type":"LineString","coordinates":[[9,45],["9,1",45]]})") + o,
       "info " + cut,
-      "export " + cut + " --format kml -o " + out + "/x.kml",
       "render " + in + " -o " + out + "/x.svg",
       "new " + good + o + "/missing",
       "export " + track + " --format shp",
       "guid decode 0000000Z",
       "summary list " + in + "/missing.bin",
-      "summary list " + in,
       "summary list " + write("cut.bin", std::string(200, 'x')),
       "nearest " + empty + " 91 9",
       "nearest " + empty + " 45 9 --within -5",
       "summary build " + junk + o,
-      "summary build " + in + o + "/missing",
   };
   for (const std::string& args : cases) {
     const Result r = Tkk(args);
