@@ -34,21 +34,18 @@ using fixtures::TempDir;
 namespace sys = vektkk::sys;
 
 // The k-th call fails with EIO; what the library did around a failed flush is recorded.
-// With `corte` every read and write moves 1 to 7 bytes only; with `lucchettoInutile` lock
-// files are opened for their path alone, so that they cannot be locked. A lock
-// file opened over and over is at last refused: a wait that never ends fails.
+// With `corte` every read and write moves 1 to 7 bytes only.
 // Apart from that, the read numbered `interrottaAlla` is interrupted by a signal, and the
 // reads from the one numbered `finitaAlla` on find the end of the file, as if it had been cut.
 struct Guasti {
-  int contate = 0, alla = 0, rinominatiNonScaricati = 0, lucchetti = 0, interrottaAlla = 0, finitaAlla = 0;
+  int contate = 0, alla = 0, rinominatiNonScaricati = 0, interrottaAlla = 0, finitaAlla = 0;
   long long letture = 0;  // a read that loops at the end of a file must not wrap the count round
-  int errore = EIO;
-  bool corte = false, lucchettoInutile = false;
+  bool corte = false;
   std::map<int, std::string> aperti;
   std::set<std::string> nonScaricati;
 } g;
 
-bool Cade() { return ++g.contate == g.alla && (errno = g.errore); }
+bool Cade() { return ++g.contate == g.alla && (errno = EIO); }
 void Nomina(const char* from, const char*) { g.rinominatiNonScaricati += g.nonScaricati.count(from) > 0; }
 
 // A call that may fail, after `prima` has looked at its arguments.
@@ -67,9 +64,7 @@ std::vector<iovec> Taglia(const iovec* v, int n, long long conta) {
 bool Interrotta() { return ++g.letture == g.interrottaAlla && (errno = EINTR); }
 const sys::Chiamate kGuaste = {
     [](const char* p, int f, mode_t m) {
-      const bool lucchetto = strstr(p, ".tmp.lock") != nullptr;
-      if (lucchetto && g.lucchettoInutile) close(sys::SistemaReale().Open(p, f, m)), f = O_PATH | O_CLOEXEC;
-      const int fd = Cade() || (lucchetto && ++g.lucchetti > 20) ? -1 : sys::SistemaReale().Open(p, f, m);
+      const int fd = Cade() ? -1 : sys::SistemaReale().Open(p, f, m);
       if (fd >= 0) g.aperti[fd] = p;
       return fd;
     },
@@ -195,24 +190,6 @@ TEST_F(FileFaults, SavesKeepTheOldFilesWhicheverCallFails) {
     }
 }
 
-// Without hard links and exclusive renames (the FAT family of memory cards) a
-// generated name is claimed under a lock file, removed afterwards; a lock that
-// cannot be taken fails the save without leaking its descriptor.
-TEST_F(FileFaults, NamesClaimedUnderALockFileAndTakenTemporaryNamesDrawnAgain) {
-  faults::NoHardLinks(true, true);
-  g = Guasti(), sys::ImpostaSistema(&kGuaste);
-  const std::string nome = tracce_[0]->SalvaFileInPath(dir_.path(), nullptr);
-  EXPECT_EQ(dir_.Entries(), std::vector<std::string>{nome + ".tkk"});
-  g.lucchettoInutile = true;
-  const size_t prima = Descrittori();
-  for (int i = 0; i < 3; ++i) EXPECT_EQ("", tracce_[0]->SalvaFileInPath(dir_.path(), nullptr));
-  EXPECT_EQ(prima, Descrittori());
-  faults::NoHardLinks(false);
-  // A temporary name found taken is drawn again.
-  g = Guasti(), g.alla = 2, g.errore = EEXIST;  // after the look at the file it replaces
-  EXPECT_EQ(kNome, tracce_[0]->SalvaFileInPath(dir_.path(), &kNome));
-}
-
 // Each failing call of a read gives the read's failure, or a good read where
 // the call did not matter (closing a file already read). A read interrupted
 // by a signal is made again, and one that moves fewer bytes than asked goes
@@ -299,8 +276,8 @@ TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
     close(in);
   }
   // Two tracks, the summary and a logo image.
-  EXPECT_TRUE(salvati && bloccato && letti && chiuso && dir_.Entries().size() == 4);
-  EXPECT_TRUE(stat(track.c_str(), &st) == 0 && (st.st_mode & 0777) == 0604);
+  EXPECT_TRUE(salvati && bloccato && letti && chiuso && dir_.Entries().size() == 4 &&
+              stat(track.c_str(), &st) == 0 && (st.st_mode & 0777) == 0604);
 }
 
 // A save first removes what saves killed in other processes left beside it:

@@ -316,11 +316,7 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
           "A",
           "ITA", 456200000, 92800000, 0x0001800000011234ull, "0k3f9zq1",
           7u | 5u << 6 | 14u << 12 | 30u << 17 | 4u << 22 | 9u << 26 | 1u << 31);
-  r.RifAlt = -12000;
-  r.Length = 5793.456f;
-  r.BeaconNumber = 3;
-  r.BeaconType = 2;
-  r.VariantIdx = -1;
+  r.RifAlt = -12000, r.Length = 5793.456f, r.BeaconNumber = 3, r.BeaconType = 2, r.VariantIdx = -1;
   r.Dummy[0] = 0xAB;
   // Well-formed sequences at the edges of the ranges, the last up to the end of the name.
   _SDatoRiassuntivo first = Rec("B\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xC3\x89", "FRA");

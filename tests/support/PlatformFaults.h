@@ -5,7 +5,6 @@
 namespace faults {
 
 void FailDecoderCreation(bool fail);
-void FailEncoderCreation(bool fail);
 // Coders that offer decode() and append() alone, as a host's own container
 // might: the library must then give the same results.
 void PlainContainer(bool plain);

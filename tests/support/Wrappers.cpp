@@ -32,8 +32,7 @@ time_t g_now = 0;                                 // when frozen
 long long g_sleptMicros = 0, g_usleepMicros = 0;  // slept since then, and in all
 std::deque<int> g_rand;
 int g_usleepCalls = 0, g_locks = 0, g_unlocks = 0;  // on the host's event-log mutex
-bool g_failDecoder = false, g_failEncoder = false, g_plain = false, g_noLinks = false,
-     g_noExclusiveRename = false;
+bool g_failDecoder = false, g_plain = false, g_noLinks = false, g_noExclusiveRename = false;
 unsigned g_renameDelayUs = 0;
 unsigned long g_accessCalls = 0;
 
@@ -83,7 +82,6 @@ time_t fakeclock::Utc(int year, int month, int day, int hour, int minute, int se
 }
 
 void faults::FailDecoderCreation(bool fail) { g_failDecoder = fail; }
-void faults::FailEncoderCreation(bool fail) { g_failEncoder = fail; }
 void faults::PlainContainer(bool plain) { g_plain = plain; }
 void faults::NoHardLinks(bool noLinks, bool noExclusiveRename) {
   g_noLinks = noLinks, g_noExclusiveRename = noExclusiveRename;
@@ -157,7 +155,7 @@ IAtomTagDecoderBin* __wrap__ZN18IAtomTagDecoderBin8CreateMeEv() {
   return g_plain && real != nullptr ? new Plain<IAtomTagDecoderBin>(real) : real;
 }
 IAtomTagEncoderBin* __wrap__ZN18IAtomTagEncoderBin8CreateMeEv() {
-  IAtomTagEncoderBin* real = g_failEncoder ? nullptr : __real__ZN18IAtomTagEncoderBin8CreateMeEv();
+  IAtomTagEncoderBin* real = __real__ZN18IAtomTagEncoderBin8CreateMeEv();
   return g_plain && real != nullptr ? new Plain<IAtomTagEncoderBin>(real) : real;
 }
 int __wrap_rename(const char* from, const char* to) {
