@@ -121,7 +121,7 @@ TEST(SummaryOrderings, SortAgreesWithTheRules) {
     for (size_t i = 0, n = rng() % 48; i < n; ++i) p[i] = bytes[rng() % 16];
     r.RifLat = static_cast<int32_t>(rng() % 3) - 1;
     r.RIfLon = static_cast<int32_t>(rng() % 3) - 1;
-    r.Guid.Valore = uint64_t{rng() % 3} << 32 | rng() % 3;
+    r.Guid.Valore = uint64_t{rng() % 3} << 62 | rng() % 3;  // high words up to 0x80000000
     list.push_back(&r);
   }
   list.push_back(nullptr);
@@ -214,7 +214,8 @@ TEST(SummaryEdit, DeleteAndFindByFileName) {
 TEST(SummaryNearest, StrictThresholdAndAppendedResults) {
   // `far` lies on the same parallel, 78 km east: only the distance tells.
   const _SDatoRiassuntivo at = Rec("", "", 456200000, 92800000), far = Rec("", "", 456200000, 102800000);
-  std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &at, &far});
+  std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &at, &far}), tie = Summary({&far, &at, &at});
+  EXPECT_EQ(tie->GetDatoRiassuntivoNearest(45.62, 9.28), 1);  // the first of equal ones
   const std::pair<int, std::vector<int>> cases[] = {
       {1, {7, 1}}, {0, {7}}, {77000, {7, 1}}, {79000, {7, 1, 2}}};
   for (const auto& c : cases) {
@@ -263,7 +264,10 @@ TEST(SummaryFile, SummaryAndCrossIndexBytesNullEntriesSkippedBadFilesNotRead) {
   EXPECT_TRUE(s->SalvaFileDev(dir.path() + "dev"));
   EXPECT_EQ(ReadAll(dir.path() + "dev"), BytesOf({b}));
   static_cast<CFileRiassuntivo&>(*s).LeggiRiassuntivo(dir.path() + "s");  // names counted afresh
-  EXPECT_EQ(s->DelFileTkk("0k3f9zq1"), 1);
+  const _SDatoRiassuntivo* r = &a;  // past the end: refused, and the pointer cleared
+  EXPECT_FALSE(s->GetDatoRiassuntivo(r, 2) || r != nullptr);
+  EXPECT_EQ(s->DelFileTkk("0k3f9zq1") * 10 + s->DelFileTkk("aaaaaaaa"), 10);
+  EXPECT_FALSE(s->GetDatoRiassuntivo(r, 0));                  // the removals still pending are applied first
   CFileRiassuntivo::ScriviRiassuntivo({}, dir.path() + "s");  // truncated, not removed
   _SDatoRiassuntivo x = Rec("X"), y = Rec("Y"), x2 = x, x3 = x;
   CFileRiassuntivo::CalcolaAndScriviIdx({&x, &a, &x2, &y}, {&y, nullptr, &x2, &x3}, dir.path() + "idx");
@@ -319,7 +323,7 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   r.RifAlt = -12000, r.Length = 5793.456f, r.BeaconNumber = 3, r.BeaconType = 2, r.VariantIdx = -1;
   r.Dummy[0] = 0xAB;
   // Well-formed sequences at the edges of the ranges, the last up to the end of the name.
-  _SDatoRiassuntivo first = Rec("B\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xC3\x89", "FRA");
+  _SDatoRiassuntivo first = Rec("B\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xE0\xA0\x80\xC3\x89", "FRA");
   const std::string t = dir.path() + "t.txt";
   evtrec::Reset(true);  // null entries are left out, each with a report
   std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &r, &first, nullptr});
@@ -332,7 +336,8 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   EXPECT_EQ(
       std::string(text.begin(), text.end()),
       "Name;Country;State;RifLat;RIfLon;RifAlt;Length;BeaconNumber;BeaconType;VariantIdx;FileName;Guid;Date;"
-      "OffsetFw;OffsetPti;Dummy\nB\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xC3\x89;FRA;;0;0;0;0.00;0;1;0;"
+      "OffsetFw;OffsetPti;Dummy\nB\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xE0\xA0\x80\xC3\x89;FRA;;0;0;0;0."
+      "00;0;1;0;"
       "aaaaaaaa;0:0:0:0:0:0:0:"
       "0:0:0;0:0:0:0:0:0:0;"
       "0;0;" +

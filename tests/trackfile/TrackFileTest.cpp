@@ -185,6 +185,7 @@ TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
     EXPECT_FALSE(Open(path)->IsGood());
     std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
     track->SetTrackLogo(Write(Bytes(20, 1), "ok.png"));  // then replaced by nothing
+    EXPECT_EQ(track->GetTrackLogoBuffer()->NomeFile, "ok.png");
     track->SetTrackLogo(path);
     EXPECT_EQ(std::make_tuple(Reports(), track->GetTagInfo()->Indici.IdxLogo + 0,
                               track->GetTrackLogoBuffer()->NomeFile),
@@ -257,16 +258,17 @@ TEST_F(TrackFile, LogosBesideTheTrackInMemoryOrNumberedWithOneProbeEach) {
   // probe per logo (a file of many logos of one name used to probe 1, 2, ...
   // again for every logo, quadratic in their number).
   FileBuilder file = FileBuilder().Info();
-  for (unsigned char i = 0; i < 200; ++i) file.Logo("badge.png", Bytes(8, i));
+  for (unsigned char i = 0; i < 200; ++i)
+    file.Logo("badge.png", Bytes(6, i));  // six bytes: the least written
   const std::string path = Write(file.Fw().Idx(0xFFFF, 0).bytes), badge = dir_.path() + "badge.png";
   track = Open(path);
   EXPECT_EQ(std::make_pair(*track->GetTrackLogo(), fixtures::ReadAll(badge)),
-            std::make_pair(badge, Bytes(8, 0)));
+            std::make_pair(badge, Bytes(6, 0)));
   ASSERT_EQ(0, unlink(badge.c_str()) + symlink("nowhere", badge.c_str()));
   faults::ResetAccessCount();
   ASSERT_TRUE(track->LeggiFile(path, true));
   EXPECT_EQ(faults::AccessCount(), 200u);
-  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge200.png"), Bytes(8, 199));
+  EXPECT_EQ(fixtures::ReadAll(dir_.path() + "badge200.png"), Bytes(6, 199));
   EXPECT_EQ(dir_.Entries().size(), 202u);
 }
 
@@ -403,7 +405,7 @@ TEST_F(TrackFile, SmallTrackFileComposedFromTheDocument) {
   EXPECT_EQ(SaveIn(*track, dir_.path()), file);
   // ...and reading them gives every record back as laid out above.
   track = Open(Write(file));
-  ASSERT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == 1);
+  ASSERT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == 1 && track->HasShape());
   const STagsInfoVariante& v = *track->GetTagInfo();
   EXPECT_EQ(std::make_tuple(BytesOf(track->GetTagInfoFile()), BytesOf(v.InfoFw), BytesOf(v.InfoSw),
                             BytesOf(v.Indici), BytesOf(v.Punti->Punti[0], 3)),
@@ -430,8 +432,11 @@ TEST_F(TrackEdit, BeaconSetsCountLinesUpToTheFirstUnused) {
   EXPECT_EQ(b.GetNumeroSplit(BEACON_OPTIC), 6u);
   b.ClearLineaSplitLLH(1, BEACON_OPTIC);
   EXPECT_EQ(b.GetNumeroSplit(BEACON_OPTIC), 1u);
+  b.SetLineeSplitLLH(0, Line(1, 1), BEACON_SCRUTINEERING);
   b.SetLarghezzaPista(12, BEACON_SCRUTINEERING);  // the width is held by a set's first line
-  EXPECT_EQ(b.GetLarghezzaPista(BEACON_SCRUTINEERING) * 100 + b.LineeBeacon[0][0].LarghezzaPista, 1212u);
+  EXPECT_EQ(b.GetLarghezzaPista(BEACON_SCRUTINEERING) * 1000 + b.LineeBeacon[0][0].LarghezzaPista * 10 +
+                b.GetNumeroSplit(BEACON_SCRUTINEERING),
+            12121u);
 }
 
 // Names are stored as UTF-8, cut to their fields. A field filled to its last
@@ -443,6 +448,13 @@ TEST_F(TrackEdit, NamesAreCutToTheirFieldsAndAFullOneReadsOn) {
   std::unique_ptr<CFileTkk> t(static_cast<CFileTkk*>(IFileTkk::CreateMe(false, false)));
   t->AddTagDatiPuntiTracciato({{1, 2, 3}});
   t->AssegnaPtrPunti();  // without a variant there is nothing to give the shape to
+  EXPECT_TRUE(t->AssignTrackLength() && !t->HasShape());
+  std::unique_ptr<IFileTkk> bare(IFileTkk::CreateMe(false, false));
+  bare->SetFondoStradaleKey(FONDO_DIRT);  // a variant of its own, without nation codes
+  bare->SetFondoStradaleKey(FONDO_ICE);   // then replaced in place
+  EXPECT_EQ(bare->GetNationCode() + bare->GetSubNationCode() + bare->OttieniStringaxFondoStradaleKey() +
+                std::to_string(bare->GetTagsInfoVarianti().size()),
+            "Ice1");
   Fw fw;
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
   ASSERT_TRUE(t->AddTagInfoVariante(std::string(300, 'p'), std::string(40, 'd'), fw, Idx()));
