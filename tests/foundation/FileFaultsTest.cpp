@@ -262,6 +262,8 @@ TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
       tracce_[1]->SalvaFileInPath(dir_.path(), &kNome) == kNome && riassunti_[0]->SalvaFileDev(riassunto);
   faults::NoHardLinks(true, true);  // a new name claimed under a lock file
   const bool bloccato = !tracce_[2]->SalvaFileInPath(dir_.path(), nullptr).empty();
+  faults::NoHardLinks(true);  // and by an exclusive rename
+  const bool rinominato = !tracce_[3]->SalvaFileInPath(dir_.path(), nullptr).empty();
   faults::NoHardLinks(false);
   struct stat st;
   std::vector<unsigned char> immagine;
@@ -275,8 +277,8 @@ TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
     dup2(in, 0);
     close(in);
   }
-  // Two tracks, the summary and a logo image.
-  EXPECT_TRUE(salvati && bloccato && letti && chiuso && dir_.Entries().size() == 4 &&
+  // Three tracks, the summary and a logo image.
+  EXPECT_TRUE(salvati && bloccato && rinominato && letti && chiuso && dir_.Entries().size() == 5 &&
               stat(track.c_str(), &st) == 0 && (st.st_mode & 0777) == 0604);
 }
 

@@ -453,8 +453,8 @@ TEST_F(TrackEdit, NamesAreCutToTheirFieldsAndAFullOneReadsOn) {
   bare->SetFondoStradaleKey(FONDO_DIRT);  // a variant of its own, without nation codes
   bare->SetFondoStradaleKey(FONDO_ICE);   // then replaced in place
   EXPECT_EQ(bare->GetNationCode() + bare->GetSubNationCode() + bare->OttieniStringaxFondoStradaleKey() +
-                std::to_string(bare->GetTagsInfoVarianti().size()),
-            "Ice1");
+                std::to_string(bare->GetTagsInfoVarianti().size()) + std::to_string(bare->GetDimTkk()),
+            "Ice10");
   Fw fw;
   memcpy(fw.NationCode, "ITA\0MB\0\0", 8);
   ASSERT_TRUE(t->AddTagInfoVariante(std::string(300, 'p'), std::string(40, 'd'), fw, Idx()));
@@ -470,6 +470,20 @@ TEST_F(TrackEdit, NamesAreCutToTheirFieldsAndAFullOneReadsOn) {
   t->SetFondoStradaleKey(FONDO_DIRT);
   ASSERT_EQ(name_, t->SalvaFileInPath(dir_.path(), &name_));
   EXPECT_EQ(Open(dir_.path() + name_ + ".tkk")->GetFondoStradaleKey(), FONDO_DIRT);
+}
+
+// An object read as read-only refuses every addition, each with a report; a variant
+// whose index names nothing is refused.
+TEST_F(TrackEdit, AdditionsRefused) {
+  std::unique_ptr<CFileTkk> ro(static_cast<CFileTkk*>(
+      IFileTkk::CreateMeUponFile(Write(FileBuilder().Info().Fw().Idx().bytes), true, false)));
+  EXPECT_EQ(ro->AddTagDatiPlus(STagDatiPlus()) & ro->AddDatiFondoStradale({FONDO_DIRT}) &
+                ro->AddTagDatiPuntiTracciato({{1, 2, 3}}),
+            0xFFFF);
+  EXPECT_EQ(Reports(), Texts(3, "ALERT Excluded, hence skipping!"));
+  Idx idx;
+  idx.IdxFondiStradali = 1;  // the small track has one list
+  EXPECT_FALSE(fixtures::MakeSmallTrack()->AddTagInfoVariante("", "", Fw(), idx));
 }
 
 TEST_F(TrackEdit, LengthKeyIsTheStandardLengthBelow) {
