@@ -16,20 +16,6 @@ namespace {
 using fakeclock::MakeTm;
 using std::make_tuple;
 
-// Each field is cut to its width (the year wraps: 2014 is stored as 2046), the
-// spare bit is kept, and unpacking clears the whole tm. The layout of an
-// ordinary date is pinned by the identifiers (tests/identity).
-TEST(DataOraTkk, PacksEachFieldInItsBits) {
-  _UDataOraTkk u;
-  u.Valore = 0x80000000u;
-  u.DataOra.CopiaDaTm(MakeTm(2014, 12, 31, 23, 59, 60));
-  EXPECT_EQ(u.Valore, 0x80000000u | 31u << 26 | 11u << 22 | 30u << 17 | 23u << 12 | 59u << 6 | 60u);
-  tm back, out = MakeTm(2046, 12, 31, 23, 59, 60);
-  memset(&back, 0x5A, sizeof back);
-  EXPECT_TRUE(IDataOraTkk::GetDaDataOraTkk(u, back));
-  EXPECT_EQ(memcmp(&back, &out, sizeof back), 0);
-}
-
 // The operators are not one ordering: <, <= and >= compare every field on its
 // own; > is lexicographic on the date and field by field on the time, with
 // the seconds strictly greater. Each row says how each field of the left

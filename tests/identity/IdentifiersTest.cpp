@@ -111,7 +111,9 @@ TEST_F(Generators, GuidsBackOffFromARepeatedNumber) {
   ASSERT_TRUE(IGuidTkk::GetDaGuidTkk(first, t, isVek, isDev));
   EXPECT_EQ(make_tuple(isVek, isDev, timegm(&t)), make_tuple(true, true, kWhenUtc));
   EXPECT_EQ(IGuidTkk::GetGuidTkk(true, true).Valore, (first.Valore & ~0xFFFFull) | 0x2222);
-  EXPECT_EQ(IDataOraTkk::GetDataOraTkk().Valore, kWord);  // the clock's time, as modification dates take it
+  const _UDataOraTkk now = IDataOraTkk::GetDataOraTkk();  // the clock's time, as modification dates take it
+  tm back{};
+  EXPECT_TRUE(now.Valore == kWord && IDataOraTkk::GetDaDataOraTkk(now, back) && timegm(&back) == kWhenUtc);
   EXPECT_EQ(make_tuple(fakeclock::UsleepCalls(), fakeclock::UsleepMicros()), make_tuple(2, 50000LL));
 
   fakeclock::QueueRand({5, 5, 5});

@@ -1,7 +1,7 @@
 // The tool's logic in-process: geodesy and projection, reading maps, building
-// tracks from them, summaries as the tool builds, compares and shows them,
-// and what the binary runs cannot show cheaply of the exports and pictures.
-// Searches and checks are shown by the binary runs.
+// tracks from them, comparing summaries, and what the binary runs cannot show
+// cheaply of the exports and pictures. Summaries, their listings and pages,
+// searches and checks are shown by the binary runs and the demo's check.
 #include <gtest/gtest.h>
 #include <math.h>
 #include <stdlib.h>
@@ -14,12 +14,10 @@
 #include <tuple>
 
 #include "BadInput.h"
-#include "Catalogue.h"
 #include "Export.h"
 #include "Import.h"
 #include "Projection.h"
 #include "Render.h"
-#include "Report.h"
 #include "SummaryBuild.h"
 #include "SummaryDiff.h"
 #include "SummaryRecords.h"
@@ -186,63 +184,6 @@ struct TempDir {
     return path + "/" + name;
   }
 };
-
-// Monza (two layouts, a name to escape) and Imöla saved as track
-// files, with a file that is not a track and a map that is not a .tkk.
-class TwoTracks : public testing::Test {
- protected:
-  std::vector<std::string> Save() {
-    std::vector<std::unique_ptr<IFileTkk>> tracks;
-    for (const auto& [name, lat, lon, layouts] :
-         {std::make_tuple("Monza & <Co>", 45.62, 9.28, 2), std::make_tuple("Imöla", 44.34, 11.71, 1)}) {
-      Circuit c{name, "IT", "", {}};
-      for (int i = 0; i < layouts; ++i) {
-        const double d = 0.004 / (i + 1);
-        c.layouts.push_back({layouts == 1 ? "" : "L" + std::to_string(i),
-                             {{lat, lon}, {lat, lon + d}, {lat + d, lon + d}, {lat + d, lon}}});
-      }
-      tracks.push_back(BuildTrack(c, NewTrackOptions()));
-    }
-    dir.Write("zz-broken.tkk", "not a track");
-    dir.Write("notes.txt", "x");
-    return SaveTracks(tracks, dir.path);
-  }
-  TempDir dir;
-  const std::vector<std::string> saved = Save();
-  const SummaryBuild build = BuildSummary(dir.path);
-};
-
-// Tracks in name order, variant by variant, in the summary, its listing and
-// its catalogue page; unreadable tracks are listed.
-TEST_F(TwoTracks, SummaryListAndCatalogueInNameOrderUnreadableOnesListed) {
-  ASSERT_EQ(build.tracks.size(), 2u);
-  ASSERT_EQ(build.skipped.size(), 1u);
-  EXPECT_EQ(build.skipped[0].path, dir.path + "/zz-broken.tkk");
-  const size_t monza = saved[0] < saved[1] ? 0 : 1;
-  EXPECT_EQ(build.tracks[monza].path + std::to_string(build.tracks[monza].variants.size()), saved[0] + "2");
-  // Variant by variant; columns line up by characters, not bytes.
-  const std::string text = ListText(ListSummary(*build.summary));
-  EXPECT_NE(text.find(saved[0].substr(dir.path.size() + 1, 8) +
-                      "    1  L1     IT             45.62100   9.28100  0.756 km  20"),
-            std::string::npos)
-      << text;
-  EXPECT_NE(text.find("    0  Imöla  IT             44.34200  11.71200  1.526 km  20"), std::string::npos);
-  // The catalogue (its rows and pictures are counted in the browser end to
-  // end): rows by nation, site and variant, names escaped, no script.
-  std::vector<CatalogueRow> rows;
-  for (const SummarisedTrack& track : build.tracks)
-    for (size_t v = 0; v < track.variants.size(); ++v) {
-      CatalogueRow row{nullptr, &track.variants[v], "x.geojson"};
-      build.summary->GetDatoRiassuntivo(row.record, static_cast<int>(track.firstRecord + v));
-      rows.push_back(row);
-    }
-  const std::string page = CataloguePage(rows, 2);
-  const size_t at = page.find("\"name\">Monza");
-  EXPECT_LT(page.find("\"name\">Imöla<"), at);
-  EXPECT_LT(page.find(">L0 · Race Track<", at), page.find(">L1 · Race Track<", at));
-  EXPECT_NE(page.find("\"name\">Monza &amp; &lt;Co&gt;</span>"), std::string::npos);
-  EXPECT_EQ(page.find("<script"), std::string::npos);
-}
 
 _SDatoRiassuntivo Record(const char* file, short variant, const char* name, uint32_t date) {
   _SDatoRiassuntivo r;
