@@ -169,14 +169,19 @@ std::vector<uint32_t> OrdinaEChiavi(const Lista& lista, Ordine ordine,
   if (testo) {
     const bool conNazione = ordine == Ordine::AlfabeticoConNazione;
     auto prima = [&](const Voce& x, const Voce& y) {
-      if (x.K2 != y.K2 && !(conNazione && (x.K & 0xFF) != 0)) return x.K2 < y.K2;
+      const bool paeseAperto = conNazione && (x.K & 0xFF) != 0;
+      if (x.K2 != y.K2 && !paeseAperto) return x.K2 < y.K2;
+      // Past a country that runs on into the name the words tell nothing:
+      // the ordering itself decides. Otherwise the first two words are
+      // equal here.
       const uint64_t* a = &parole[x.Pos * kParole];
       const uint64_t* b = &parole[y.Pos * kParole];
-      const bool paeseAperto = conNazione && (a[0] & 0xFF) != 0;
       if (!paeseAperto)
-        for (int w = 1; w < kParole; ++w)
+        for (int w = 2; w < kParole; ++w)
           if (a[w] != b[w]) return a[w] < b[w];
-      if (paeseAperto || (a[conNazione ? 4 : 3] & 0xFF) != 0) {
+      // A name that runs on past the words: with the country first it runs
+      // into the country's word, which is equal and ends it.
+      if (paeseAperto || (!conNazione && (a[3] & 0xFF) != 0)) {
         if (Precede(ordine, *lista[x.Pos], *lista[y.Pos])) return true;
         if (Precede(ordine, *lista[y.Pos], *lista[x.Pos])) return false;
       }

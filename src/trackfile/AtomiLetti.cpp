@@ -88,8 +88,8 @@ class Lettore {
     fine_ -= inizio_;
     inizio_ = 0;
     while (fine_ < n) {
+      // Nothing left to ask for makes the read below find the end.
       const size_t chiesti = static_cast<size_t>(std::min<uint64_t>(kBuffer - fine_, daLeggere_));
-      if (chiesti == 0) return false;
       const ssize_t letti = sys::Read(fd_, buffer_ + fine_, chiesti);
       if (letti < 0 && errno == EINTR) continue;
       if (letti <= 0) return false;

@@ -50,7 +50,7 @@ CFileTkk::CFileTkk(const std::string& path, bool soloLettura, bool senzaLogo)
   const size_t dot = path.find_last_of('.');
   if (dot != std::string::npos) {
     const long d = static_cast<long>(dot);
-    if (d - s == static_cast<long>(kLunghezzaNome) + 1 && s + 1 < d)
+    if (d - s == static_cast<long>(kLunghezzaNome) + 1)
       memcpy(NomeFileDaFileSystem, path.data() + s + 1, kLunghezzaNome);
   }
   Good = LeggiFile(path, false);

@@ -38,8 +38,9 @@ namespace sys = vektkk::sys;
 // Apart from that, the read numbered `interrottaAlla` is interrupted by a signal, and the
 // reads from the one numbered `finitaAlla` on find the end of the file, as if it had been cut.
 struct Guasti {
-  int contate = 0, alla = 0, rinominatiNonScaricati = 0, interrottaAlla = 0, finitaAlla = 0;
-  long long letture = 0;  // a read that loops at the end of a file must not wrap the count round
+  int alla = 0, rinominatiNonScaricati = 0, interrottaAlla = 0, finitaAlla = 0;
+  // A read that loops at the end of a file must not wrap a count round to a failure that ends it.
+  long long contate = 0, letture = 0;
   bool corte = false;
   std::map<int, std::string> aperti;
   std::set<std::string> nonScaricati;

@@ -112,13 +112,12 @@ TEST(SummaryOrderings, EachRule) {
 // that share long prefixes, run on past their fields and hold bytes above 127.
 TEST(SummaryOrderings, SortAgreesWithTheRules) {
   std::mt19937 rng(7);
-  const unsigned char bytes[] = {0,   'B', 0xC3, 0xFF, 'A', 'A', 'A', 'A',
-                                 'A', 'A', 'A',  'A',  'A', 'A', 'A', 'A'};
+  const unsigned char bytes[] = {0, 'B', 0x80, 0xFF};  // mostly 'A': long shared prefixes
   std::vector<_SDatoRiassuntivo> records(300);
   rs::Lista list;
   for (_SDatoRiassuntivo& r : records) {
     auto* p = reinterpret_cast<unsigned char*>(&r);
-    for (size_t i = 0, n = rng() % 48; i < n; ++i) p[i] = bytes[rng() % 16];
+    for (size_t i = 0, n = rng() % 48; i < n; ++i) p[i] = rng() % 8 ? 'A' : bytes[rng() % 4];
     r.RifLat = static_cast<int32_t>(rng() % 3) - 1;
     r.RIfLon = static_cast<int32_t>(rng() % 3) - 1;
     r.Guid.Valore = uint64_t{rng() % 3} << 62 | rng() % 3;  // high words up to 0x80000000
@@ -146,6 +145,9 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
   for (short i = -1; i <= n; ++i) s.AddVarianteTkk(track.get(), i);  // -1 and n are no variants
   s.AddVarianteTkk(nullptr, 0);
   s.AddVarianteTkk(bad.get(), 0);
+  // Folders are not read: a host adds each variant itself.
+  EXPECT_FALSE(s.AddFromDir(dir.path()) || s.CreaDaDirettorio(dir.path()) ||
+               s.AggiungiDaDirettorio(dir.path()));
   ASSERT_EQ(s.GetNumRiassuntivi(), n);
   for (short i = 0; i < n; ++i) {
     const _STagInfoVarianteTKK_fw& fw = file.GetTagInfoVariante(i)->InfoFw;
@@ -322,8 +324,10 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
           7u | 5u << 6 | 14u << 12 | 30u << 17 | 4u << 22 | 9u << 26 | 1u << 31);
   r.RifAlt = -12000, r.Length = 5793.456f, r.BeaconNumber = 3, r.BeaconType = 2, r.VariantIdx = -1;
   r.Dummy[0] = 0xAB;
-  // Well-formed sequences at the edges of the ranges, the last up to the end of the name.
-  _SDatoRiassuntivo first = Rec("B\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xE0\xA0\x80\xC3\x89", "FRA");
+  // Well-formed sequences at the edges of the ranges, a lead byte past them, a last one up to
+  // the end of the name.
+  _SDatoRiassuntivo first =
+      Rec("B\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xE0\xA0\x80\xF5\x80\x80\x80\xC3\x89", "FRA");
   const std::string t = dir.path() + "t.txt";
   evtrec::Reset(true);  // null entries are left out, each with a report
   std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &r, &first, nullptr});
@@ -336,11 +340,8 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   EXPECT_EQ(
       std::string(text.begin(), text.end()),
       "Name;Country;State;RifLat;RIfLon;RifAlt;Length;BeaconNumber;BeaconType;VariantIdx;FileName;Guid;Date;"
-      "OffsetFw;OffsetPti;Dummy\nB\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xE0\xA0\x80\xC3\x89;FRA;;0;0;0;0."
-      "00;0;1;0;"
-      "aaaaaaaa;0:0:0:0:0:0:0:"
-      "0:0:0;0:0:0:0:0:0:0;"
-      "0;0;" +
+      "OffsetFw;OffsetPti;Dummy\nB\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xE0\xA0\x80%F5%80%80%80\xC3\x89;"
+      "FRA;;0;0;0;0.00;0;1;0;aaaaaaaa;0:0:0:0:0:0:0:0:0:0;0:0:0:0:0:0:0;0;0;" +
           std::string(88, '0') +
           "\nMon%3Bza "
           "100%25\xC3\x89%FF%0A%ED%A0%80%F4%90%80%80%E2%82A;ITA;;456200000;92800000;-12000;5793.46;3;2;-1;"
@@ -349,6 +350,10 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   // Null records are skipped.
   EXPECT_TRUE(CFileRiassuntivo::ScriviRiassuntivoTestuale({nullptr, &first, nullptr, &r}, t));
   EXPECT_EQ(ReadAll(t), text);
+  evtrec::Reset(true);  // a listing that cannot be written
+  EXPECT_FALSE(CFileRiassuntivo::ScriviRiassuntivoTestuale({&r}, t + "/t.txt"));
+  EXPECT_EQ(evtrec::Events().at(0).Message(), "file " + t + "/t.txt is already open");
+  evtrec::Reset(false);
   // A removal still pending is applied before the listing.
   s->DelFileTkk("0k3f9zq1");
   ASSERT_TRUE(s->CreaFileAlfabSortedConNazioneTestuale(t));

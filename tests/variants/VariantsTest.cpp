@@ -75,10 +75,12 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
   plain->SetNomeXDevice("Changed");
   plain->SetTrackTypeCircuitKey(static_cast<_eTipoTracciatoTkk>(4));  // unknown: read as the first type
   plain->SetFondoStradaleKey(static_cast<_eTipoRoadSurfaceTkk>(10));  // unknown: read as the first
+  noPlus->SetTrackTypeCircuitKey(TRACCIATO_RALLY);
   EXPECT_EQ(make_tuple(plain->GetCitta() + plain->GetTrackURL() + noPlus->GetNationCode() +
                            noPlus->GetSubNationCode() + "|" + withPlus->GetNationCode() +
                            withPlus->GetSubNationCode() + withPlus->GetCitta() + withPlus->GetTrackURL(),
-                       string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice), plain->IsTrackChiuso(),
+                       string(t->GetTagInfoVariante(1)->InfoFw.NomeXDevice),
+                       plain->IsTrackChiuso() && !noPlus->IsTrackChiuso(),
                        plain->OttieniStringaxFondoStradaleKey() + plain->OttieniStringaxTrackTypeCircuitKey(),
                        t->GetTagInfoVariante(1)->FondiStradali->Fondi.size()),
             make_tuple(string("|ITAMBMonzahttps://example.invalid"), string("Changed"), true,
