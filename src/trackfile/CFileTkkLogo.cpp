@@ -36,7 +36,7 @@ uint32_t CFileTkk::SaveTrackFileLogoBuffer(std::vector<unsigned char>& buffer,
         letti += static_cast<uint32_t>(n);
       }
     } catch (const std::bad_alloc&) {
-      letti = 0;
+      // Nothing read: the size check below gives 0.
     }
     if (letti != buffer.size()) letti = 0;
   }

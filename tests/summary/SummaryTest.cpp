@@ -19,6 +19,7 @@
 #include "TrackMemoryRecords.h"
 #include "summary/CFileRiassuntivo.h"
 #include "summary/Riassunto.h"
+#include "summary/TabellaPosizioni.h"
 #include "support/EvtLogRecorder.h"
 #include "support/TrackFixtures.h"
 
@@ -106,6 +107,9 @@ TEST(SummaryOrderings, EachRule) {
     _SDatoRiassuntivo a = first, b = second, last = Rec("\xFF", "\xFF", INT32_MAX, 0, ~0ull);
     EXPECT_EQ(rs::Ordina({&b, &a, &last, nullptr}, order), (std::vector<uint32_t>{1, 0, 2, 3}));
   }
+  _SDatoRiassuntivo full[3];  // no zero byte to the end: equal, and what follows is not read
+  memset(static_cast<void*>(full), 0xFF, 2 * sizeof *full);
+  EXPECT_FALSE(rs::Precede(O::AlfabeticoSenzaNazione, full[1], full[0]));
 }
 
 // The fast sort keeps the pairwise rules, ties in list order, on records
@@ -176,7 +180,7 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
     return out;
   };
   EXPECT_FALSE(late->IsThisFileTkkHere(nome));
-  for (short i = 0; i < n; ++i) late->AddVarianteTkk(track.get(), i);
+  for (short i = 0; i < 2 * n; ++i) late->AddVarianteTkk(track.get(), i % n);
   EXPECT_TRUE(late->IsThisFileTkkHere(nome));
   EXPECT_EQ(late->DelFileTkk(nome), 1);
   EXPECT_EQ(files(), "aaaaaaaa ");
@@ -209,15 +213,25 @@ TEST(SummaryEdit, DeleteAndFindByFileName) {
   }
   CFileRiassuntivo empty;
   EXPECT_EQ(empty.DelFileTkk("aaaaaaaa") + empty.IsThisFileTkkHere("aaaaaaaa"), 0);
+  // Names added later grow the table, which moves the slots of the names counted first.
+  rs::ContaNomi names;
+  _SDatoRiassuntivo first = Rec("", "", 0, 0, 0, "cccccccc");
+  names.Costruisci({&first});
+  for (uint64_t name = 1; name <= 8; ++name) names.Aggiungi(name);
+  names.Togli(rs::ChiaveNome(first.FileName));
+  EXPECT_TRUE(names.ToltoInPosizione(0, &first));
 }
 
 // A record at the query point is 0 m away: a maxDist of 0 leaves it out.
 // Results are appended to what the vector holds.
 TEST(SummaryNearest, StrictThresholdAndAppendedResults) {
   // `far` lies on the same parallel, 78 km east: only the distance tells.
-  const _SDatoRiassuntivo at = Rec("", "", 456200000, 92800000), far = Rec("", "", 456200000, 102800000);
+  const _SDatoRiassuntivo at = Rec("", "", 456200000, 92800000),
+                          far = Rec("", "", 456200000, 102800000, 0, "ffffffff");
   std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &at, &far}), tie = Summary({&far, &at, &at});
   EXPECT_EQ(tie->GetDatoRiassuntivoNearest(45.62, 9.28), 1);  // the first of equal ones
+  tie->DelFileTkk("ffffffff");                                // applied before the search
+  EXPECT_EQ(tie->GetDatoRiassuntivoNearest(45.62, 9.28), 0);
   const std::pair<int, std::vector<int>> cases[] = {
       {1, {7, 1}}, {0, {7}}, {77000, {7, 1}}, {79000, {7, 1, 2}}};
   for (const auto& c : cases) {
@@ -235,7 +249,8 @@ TEST(SummaryCompare, Rules) {
   const uint32_t cases[][4] = {{0, 0, 0, 0},       {2031, 2020, 2, 1}, {2030, 2020, 2, 1}, {2020, 2030, 1, 2},
                                {2029, 2020, 1, 1}, {2020, 2029, 2, 2}, {2020, 1, 2, 2},    {2031, 1, 2, 2}};
   _SDatoRiassuntivo onlyHere = Rec("H", "", 0, 0, 0, "hhhhhhhh"),
-                    onlyThere = Rec("E", "FRA", 0, 0, 0, "eeeeeeee");
+                    onlyThere = Rec("E", "FRA", 0, 0, 0, "eeeeeeee"),
+                    gone = Rec("G", "", 0, 0, 0, "gggggggg"), gone2 = Rec("F", "", 0, 0, 0, "ffffffff");
   for (const auto& [hereYear, thereYear, basicList, extendedList] : cases) {
     SCOPED_TRACE(testing::Message() << hereYear << " against " << thereYear);
     _SDatoRiassuntivo l = Rec("T", "ITA", 0, 0, 0, "tttttttt", hereYear != 0 ? Year(hereYear) : 0), r = l;
@@ -243,11 +258,15 @@ TEST(SummaryCompare, Rules) {
       r.Dummy[0] = 1;
     else if (thereYear != 0)
       r.Date.Valore = Year(thereYear);
-    std::unique_ptr<CFileRiassuntivo> here = Summary({&l, &onlyHere}), there = Summary({&onlyThere, &r});
+    std::unique_ptr<CFileRiassuntivo> here = Summary({&l, &gone, &onlyHere, &gone2}),
+                                      there = Summary({&onlyThere, &r});
     SConfrontoPiste basic;
     SConfrontoPisteEsteso ext;
-    EXPECT_TRUE(here->ConfrontaConAltro(*there, basic) && here->ConfrontaConAltroEsteso(*there, ext));
-    EXPECT_EQ(Flat(basic), std::to_string(basicList) + "tttttttt 3hhhhhhhh 4eeeeeeee ");
+    here->DelFileTkk("gggggggg");  // each removal still pending is applied before the comparison
+    EXPECT_TRUE(here->ConfrontaConAltro(*there, basic));
+    here->DelFileTkk("ffffffff");
+    EXPECT_TRUE(here->ConfrontaConAltroEsteso(*there, ext));
+    EXPECT_EQ(Flat(basic), std::to_string(basicList) + "tttttttt 3hhhhhhhh 3ffffffff 4eeeeeeee ");
     // Lists 1 to 4 carry this side's record, list 5 the other side's.
     EXPECT_EQ(Flat(ext), std::to_string(extendedList) + "tttttttt/ITA//T 3hhhhhhhh///H 4eeeeeeee/FRA//E ");
   }
@@ -310,6 +329,11 @@ TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
     EXPECT_EQ(read("s", sizeof d) + read("i2", 2) + read("i3", 2), std::string(names) + i2 + i3);
     for (const char* f : {"s", "i2", "i3"}) unlink((p + f).c_str());
   }
+  // In a run of more than 16 equal keys byte-identical records are found by hash.
+  _SDatoRiassuntivo same = d;
+  const rs::InsiemeOrdinato many =
+      rs::CalcolaInsieme(rs::Lista(17, &same), O::LatLon, O::Guid, O::Guid, true, false);
+  EXPECT_EQ(many.Indice2, std::vector<uint16_t>(17, 0));
 }
 
 // Text fields escape ";", "%", control bytes and bad UTF-8 (surrogates,

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -175,7 +176,8 @@ TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
 }
 
 // A FIFO named like a track, or a device, used to keep the open waiting for
-// a writer for ever; as a logo it did the same.
+// a writer for ever; as a logo it did the same. A size past 32 bits (here a
+// sparse file) is refused before anything is allocated.
 TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
   const std::string fifo = dir_.path() + "0k3f9zq1.tkk";
   ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
@@ -192,6 +194,11 @@ TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
               std::make_tuple(Texts{"ERROR Can't open file " + path}, 0xFFFF, std::string()));
   }
   alarm(0);
+  const std::string huge = Write({}, "huge.tkk");
+  ASSERT_EQ(0, truncate(huge.c_str(), off_t{1} << 32));
+  evtrec::Reset(true);
+  EXPECT_FALSE(Open(huge)->IsGood());
+  EXPECT_EQ(Reports(), Texts{"ERROR Can't alloc mem"});
 }
 
 // Atoms of other tags or sizes are ignored: only a 256-byte "V_sw" names
@@ -203,6 +210,16 @@ TEST_F(TrackFile, MalformedButReadableFiles) {
       // device/track name of each variant
       {"large unknown atom", FileBuilder().Info().Atom("zzz", big.data(), 40000).Fw().Idx().bytes, {"/"}},
       {"V_sw of wrong size", FileBuilder().Info().Fw().Atom("V_sw", "x", 1).Idx().bytes, {"/"}},
+      {"other tags of the fixed records' sizes",
+       FileBuilder()
+           .Info()
+           .Atom("Vnf", big.data(), sizeof(Fw))
+           .Atom("V_s", big.data(), 256)
+           .Atom("Vid", big.data(), 8)
+           .Fw()
+           .Idx()
+           .bytes,
+       {"/"}},
       {"index out of range",
        FileBuilder().Info().Points(2).Points(3).Fw().Idx(3).Fw("B").Idx(1).bytes,
        {"B/"}},
@@ -412,6 +429,8 @@ TEST_F(TrackFile, SmallTrackFileComposedFromTheDocument) {
             std::make_tuple(ptkk, vnfo.b, vsw, vidx, pts.b));
   EXPECT_EQ(v.Punti->Punti.size() * 100 + v.FondiStradali->Fondi.size() * 10 + v.FondiStradali->Fondi[0],
             311u);
+  track->RemoveShape();
+  EXPECT_FALSE(track->HasShape());
 }
 
 // --- Building and editing in memory -----------------------------------------
@@ -484,6 +503,24 @@ TEST_F(TrackEdit, AdditionsRefused) {
   Idx idx;
   idx.IdxFondiStradali = 1;  // the small track has one list
   EXPECT_FALSE(fixtures::MakeSmallTrack()->AddTagInfoVariante("", "", Fw(), idx));
+}
+
+// From 8000 points on every second point is kept, from 16000 every third,
+// and so on; the walk may end within a skip.
+TEST_F(TrackEdit, LongShapesAreThinned) {
+  for (const auto& [given, kept, last] :
+       {std::array<size_t, 3>{7999, 7999, 7998}, {8000, 4000, 7998}, {16001, 5334, 15999}}) {
+    std::vector<_t_s_lla_i> shape(given);
+    for (size_t i = 0; i < given; ++i) shape[i].LatI = static_cast<int32_t>(i);
+    std::unique_ptr<IFileTkk> t(IFileTkk::CreateMe(false, false));
+    Idx idx;
+    idx.IdxPunti = t->AddTagDatiPuntiTracciato(shape);
+    ASSERT_TRUE(t->AddTagInfoVariante("", "", Fw(), idx));
+    const std::vector<_t_s_lla_i>& stored = t->GetTagInfo()->Punti->Punti;
+    EXPECT_EQ(std::make_pair(stored.size(), static_cast<size_t>(stored.back().LatI)),
+              std::make_pair(kept, last))
+        << given;
+  }
 }
 
 TEST_F(TrackEdit, LengthKeyIsTheStandardLengthBelow) {
@@ -564,6 +601,9 @@ class TrackChecks : public TrackEdit {
 };
 
 TEST_F(TrackChecks, LinesMustLieWithin1000MetresOfTheReferencePoint) {
+  std::unique_ptr<IFileTkk> bare(IFileTkk::CreateMe(false, false));  // no variant: nothing is wrong
+  EXPECT_TRUE(bare->BaricentroCoerente(msg_) && bare->AreEqualBeacons(BEACON_OPTIC, msg_) &&
+              bare->IsVekTrackWithCorrectBeaconType(msg_));
   t_->SetLineeSplitLLH(0, North(999.5), BEACON_IN_USO);
   t_->SetLineeSplitLLH(1, North(999.5), BEACON_IN_USO);
   EXPECT_TRUE(t_->BaricentroCoerente(msg_) && msg_.empty());

@@ -72,6 +72,7 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
   IVarianteTkk* noPlus = t->GetVariantiTrack()[4];  // its codes are read through the additional texts only
   withPlus->SetTrackURL("https://example.invalid");
   plain->SetTrackURL("ignored");
+  plain->SetTrackLogo("ignored.png");  // no logo to name
   plain->SetNomeXDevice("Changed");
   plain->SetTrackTypeCircuitKey(static_cast<_eTipoTracciatoTkk>(4));  // unknown: read as the first type
   plain->SetFondoStradaleKey(static_cast<_eTipoRoadSurfaceTkk>(10));  // unknown: read as the first
@@ -86,7 +87,7 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
             make_tuple(string("|ITAMBMonzahttps://example.invalid"), string("Changed"), true,
                        string("PavedRace Track"), size_t{1}));
   STagsInfoVariante stray(t.get());
-  EXPECT_EQ(CVarianteTkk(&stray).GetIdxVariante(), -1);
+  EXPECT_EQ(CVarianteTkk(&stray).GetIdxVariante() + CVarianteTkk(nullptr).GetIdxVariante(), -2);
 }
 
 TEST(Vocabolari, KeysAndTheirTexts) {
