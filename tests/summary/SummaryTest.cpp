@@ -215,7 +215,7 @@ TEST(SummaryEdit, DeleteAndFindByFileName) {
   EXPECT_EQ(empty.DelFileTkk("aaaaaaaa") + empty.IsThisFileTkkHere("aaaaaaaa"), 0);
   // Names added later grow the table, which moves the slots of the names counted first.
   rs::ContaNomi names;
-  _SDatoRiassuntivo first = Rec("", "", 0, 0, 0, "cccccccc");
+  _SDatoRiassuntivo first = Rec("", "", 0, 0, 0, "cccccccc");  // a name whose slot moves on growing
   names.Costruisci({&first});
   for (uint64_t name = 1; name <= 8; ++name) names.Aggiungi(name);
   names.Togli(rs::ChiaveNome(first.FileName));

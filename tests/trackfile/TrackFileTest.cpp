@@ -11,8 +11,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <fstream>
 #include <array>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
