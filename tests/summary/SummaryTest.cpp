@@ -180,7 +180,7 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
     return out;
   };
   EXPECT_FALSE(late->IsThisFileTkkHere(nome));
-  for (short i = 0; i < 2 * n; ++i) late->AddVarianteTkk(track.get(), i % n);
+  for (int i = 0; i < 2 * n; ++i) late->AddVarianteTkk(track.get(), static_cast<short>(i % n));
   EXPECT_TRUE(late->IsThisFileTkkHere(nome));
   EXPECT_EQ(late->DelFileTkk(nome), 1);
   EXPECT_EQ(files(), "aaaaaaaa ");
