@@ -7,8 +7,6 @@
 #include "Coordinate.h"
 #include "DataOraTkk.h"
 #include "foundation/LittleEndian.h"
-#include "foundation/LogEvento.h"
-#include "support/EvtLogRecorder.h"
 #include "support/FakeClock.h"
 
 namespace {
@@ -64,21 +62,6 @@ TEST(LittleEndian, EncodesAndDecodesEveryByteInPlace) {
   EXPECT_EQ(
       make_tuple(b[8], vektkk::DecodeFixed32(b + 1), vektkk::DecodeFixed16(b + 6), vektkk::DecodeFixed64(b)),
       make_tuple(0xEE, 0x05040302u, 0x0807u, 0x0807060504030201ull));
-}
-
-// One record per report, built under the host's mutex: the constant first
-// tag, then the message cut to 1023 characters. (Each severity's priority and
-// word are checked with the reports of tests/trackfile; a closed context, by
-// the host of the real event log.)
-TEST(LogEvento, OneRecordPerReportUnderTheHostsMutex) {
-  evtrec::Reset(true);
-  const std::string path(2000, 'p');
-  LogEvento(kNotice.Priorita, kNotice.Parola, "Can't open file %s", path.c_str());
-  ASSERT_EQ(evtrec::Events().size(), 1u);
-  const evtrec::Event& e = evtrec::Events()[0];
-  const decltype(e.tags) tags = {{"test:tag", "value"}, {"msg", ("Can't open file " + path).substr(0, 1023)}};
-  EXPECT_EQ(make_tuple(e.priority, e.tags, e.logged, e.mutexHeldAtInit), make_tuple(5, tags, true, true));
-  evtrec::Reset(false);
 }
 
 }  // namespace

@@ -356,9 +356,7 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   evtrec::Reset(true);  // null entries are left out, each with a report
   std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &r, &first, nullptr});
   ASSERT_TRUE(s->CreaFileAlfabSortedConNazioneTestuale(t));
-  std::string reports;
-  for (const evtrec::Event& e : evtrec::Events()) reports += e.Message() + ";";
-  EXPECT_EQ(reports, "pvar empty pointer;pvar empty pointer;");
+  EXPECT_EQ(evtrec::Reports(), std::vector<std::string>(2, "ERROR pvar empty pointer"));
   evtrec::Reset(false);
   const Bytes text = ReadAll(t);
   EXPECT_EQ(
@@ -376,7 +374,7 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   EXPECT_EQ(ReadAll(t), text);
   evtrec::Reset(true);  // a listing that cannot be written
   EXPECT_FALSE(CFileRiassuntivo::ScriviRiassuntivoTestuale({&r}, t + "/t.txt"));
-  EXPECT_EQ(evtrec::Events().at(0).Message(), "file " + t + "/t.txt is already open");
+  EXPECT_EQ(evtrec::Reports(), std::vector<std::string>{"ERROR file " + t + "/t.txt is already open"});
   evtrec::Reset(false);
   // A removal still pending is applied before the listing.
   s->DelFileTkk("0k3f9zq1");
@@ -411,8 +409,7 @@ TEST(SummaryF1, CircuitsThroughTheSummary) {
     _STagInfoVarianteTKK_fw fw;
     memset(fw.NationCode, 0, 8);  // and SubNationCode, left alone by the constructor
     for (size_t i = 0; i < 2; ++i) fw.NationCode[i] = static_cast<char>(toupper(id[i]));
-    fw.LatRif = shape[0].LatI;
-    fw.LonRif = shape[0].LonI;
+    fw.LatRif = shape[0].LatI, fw.LonRif = shape[0].LonI;
     _SDatoCoordinateBeacon& finish = fw.InfoBeacons.LineeBeacon[0][0];  // the scrutineering set's
     finish.LatI = shape[0].LatI, finish.LonI = shape[0].LonI, finish.LarghezzaPista = 12000;
     const std::string name = feature["properties"]["Name"];

@@ -9,14 +9,13 @@
 namespace evtrec {
 
 struct Event {
-  int priority = -1;
   std::string severity;  // the record's description
   std::vector<std::pair<std::string, std::string>> tags;
-  bool mutexHeldAtInit = false, logged = false;
   std::string Message() const;  // the "msg" tag's text, or ""
 };
 // Forgets everything recorded; opens (non-null) or closes (null) the host's context.
 void Reset(bool contextOpen = true);
 const std::vector<Event>& Events();
+std::vector<std::string> Reports();  // one "SEVERITY message" per record
 
 }  // namespace evtrec

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <pthread.h>
 #include <time.h>
 
 #include <initializer_list>
 
-// The library's calls of time, rand, usleep and the mutex calls land in
-// support/Wrappers.cpp. By default they behave as the C library does
-// (usleep never really sleeps).
+// The library's calls of time, rand and usleep land in support/Wrappers.cpp.
+// By default they behave as the C library does (usleep never really sleeps).
 namespace fakeclock {
 
 void Freeze(time_t t);  // time() returns `t`; every usleep() advances it by the time slept

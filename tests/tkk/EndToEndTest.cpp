@@ -137,7 +137,9 @@ TEST(TkkEndToEnd, F1CircuitsImportExportSummariseFindNearestAndDiff) {
   EXPECT_EQ(d["equal"].size(), made.size() - 4);
 }
 
-TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
+// A good outline whose finish line lies 2 km from the centre: made with the
+// library's reports shown (-v), then a check that fails with status 1.
+TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWrittenFailedCheckStatusOne) {
   const std::string in = FreshDir("bad-in"), out = FreshDir("bad-out"), junk = FreshDir("bad-in/only-junk");
   const std::string o = " -o " + out;
   const auto write = [&](const std::string& name, const std::string& text) {
@@ -145,9 +147,14 @@ TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
     return in + "/" + name;
   };
   const std::string good =
-      write("good.geojson", R"({"type":"LineString","coordinates":[[9,45],[9.01,45],[9,45.01]]})");
-  ASSERT_EQ(Tkk("new " + good + " -o " + in).status, 0);
-  const std::string track = in + "/" + *Entries(in).begin(), bytes = Slurp(track);
+      write("good.geojson", R"({"type":"LineString","coordinates":[[9,45],[9,45.04],[9.001,45.04]]})");
+  const Result made = Tkk("-v new " + good + " -o " + in + " --nation RU");
+  ASSERT_EQ(made.status, 0);
+  EXPECT_NE(made.err.find("Timezone not managed for nation RU"), std::string::npos) << made.err;
+  const std::string track = made.out.substr(0, made.out.find(' ')), bytes = Slurp(track);
+  const Result checked = Tkk("check " + track);
+  EXPECT_EQ(checked.status, 1);
+  EXPECT_NE(checked.out.find("lap is far from average point"), std::string::npos) << checked.out;
   const std::string cut = write("cut.tkk", bytes.substr(0, bytes.size() / 2)), empty = write("empty.bin", "");
   write("only-junk/x.tkk", "not a track");
   const std::string cases[] = {
@@ -178,19 +185,6 @@ TEST(TkkEndToEnd, BadInputIsOneLineStatusTwoAndNothingWritten) {
   EXPECT_TRUE(Entries(out).empty());
   // The damaged track beside the good one is skipped (status 1): a summary of one record.
   EXPECT_EQ(Tkk("summary build " + in + " -o " + FreshDir("bad-one")).status, 1);
-}
-
-TEST(TkkEndToEnd, CheckFailsWithStatusOneAndVerboseShowsTheLibrarysReports) {
-  const std::string dir = FreshDir("check");
-  // The finish line 2 km from the centre of the outline.
-  std::ofstream(dir + "/far.geojson")
-      << R"({"type":"LineString","coordinates":[[9,45],[9,45.04],[9.001,45.04]]})";
-  const Result made = Tkk("-v new " + dir + "/far.geojson -o " + dir + " --nation RU");
-  ASSERT_EQ(made.status, 0);
-  EXPECT_NE(made.err.find("Timezone not managed for nation RU"), std::string::npos) << made.err;
-  const Result checked = Tkk("check " + made.out.substr(0, made.out.find(' ')));
-  EXPECT_EQ(checked.status, 1);
-  EXPECT_NE(checked.out.find("lap is far from average point"), std::string::npos) << checked.out;
 }
 
 }  // namespace

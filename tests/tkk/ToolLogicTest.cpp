@@ -132,13 +132,10 @@ TEST(Import, DocumentsReadAsLayoutsOrNameTheProblem) {
 // layouts, and the picture puts the outline where the projection does.
 TEST(TrackBuilder, LayoutsBecomeVariantsWithTheirGeometryAndKeysExportAsReadOptionsChecked) {
   NewTrackOptions user, maker;
-  user.nation = "IT";
-  user.widthM = 15;
-  maker.type = TRACCIATO_OVAL;
-  maker.maker = true;
+  user.nation = "IT", user.widthM = 15;
+  maker.type = TRACCIATO_OVAL, maker.maker = true;
   Circuit us = kTwoLayouts;
-  us.nation = "US";
-  us.state = "FL";
+  us.nation = "US", us.state = "FL";
   const auto track = BuildTrack(kTwoLayouts, user), oval = BuildTrack(us, maker);
   ASSERT_EQ(track->GetTagsInfoVarianti().size(), 2u);
   for (size_t i = 0; i < 2; ++i) {
@@ -176,15 +173,6 @@ TEST(TrackBuilder, LayoutsBecomeVariantsWithTheirGeometryAndKeysExportAsReadOpti
   EXPECT_THROW(ParseTrackType("4"), BadInput);
 }
 
-struct TempDir {
-  std::string path = mkdtemp(&(std::filesystem::temp_directory_path().string() + "/tkk-XXXXXX")[0]);
-  ~TempDir() { std::filesystem::remove_all(path); }
-  std::string Write(const std::string& name, const std::string& bytes) const {
-    std::ofstream(path + "/" + name, std::ios::binary) << bytes;
-    return path + "/" + name;
-  }
-};
-
 _SDatoRiassuntivo Record(const char* file, short variant, const char* name, uint32_t date) {
   _SDatoRiassuntivo r;
   memcpy(r.FileName, file, 8);
@@ -195,14 +183,16 @@ _SDatoRiassuntivo Record(const char* file, short variant, const char* name, uint
   return r;
 }
 
-std::string Bytes(const std::vector<_SDatoRiassuntivo>& records) {
-  return std::string(reinterpret_cast<const char*>(records.data()), records.size() * sizeof records[0]);
-}
-
 // Variants are compared with the same variant of the other side; a date in
 // 2030 or later never counts as newer.
 TEST(DiffSummaries, EachVariantNewRemovedChangedEitherWayOrEqual) {
-  TempDir dir;
+  const std::string dir = mkdtemp(&(std::filesystem::temp_directory_path().string() + "/tkk-XXXXXX")[0]);
+  const auto summary = [&dir](const char* name, const std::vector<_SDatoRiassuntivo>& records) {
+    std::ofstream(dir + "/" + name, std::ios::binary)
+        .write(reinterpret_cast<const char*>(records.data()),
+               static_cast<std::streamsize>(records.size() * sizeof records[0]));
+    return OpenSummary(dir + "/" + name);
+  };
   const uint32_t may = 0x24800000, june = 0x25000000, year2031 = 0x40000000;
   const std::vector<_SDatoRiassuntivo> before = {
       Record("aaaaaaaa", 0, "Two layouts", may), Record("aaaaaaaa", 1, "Short", may),
@@ -212,8 +202,8 @@ TEST(DiffSummaries, EachVariantNewRemovedChangedEitherWayOrEqual) {
       Record("aaaaaaaa", 0, "Two layouts", may),     Record("aaaaaaaa", 1, "Short", may),
       Record("cccccccc", 0, "Renamed again", june),  Record("dddddddd", 0, "Older", may),
       Record("eeeeeeee", 0, "Far future", year2031), Record("ffffffff", 0, "Added", june)};
-  const nlohmann::json diff = DiffSummaries(*OpenSummary(dir.Write("old.bin", Bytes(before))),
-                                            *OpenSummary(dir.Write("new.bin", Bytes(after))));
+  const nlohmann::json diff = DiffSummaries(*summary("old.bin", before), *summary("new.bin", after));
+  std::filesystem::remove_all(dir);
   EXPECT_EQ(DiffText(diff),
             "new                  ffffffff  0  IT    Added\n"
             "removed              bbbbbbbb  0  IT    Removed\n"

@@ -34,6 +34,7 @@ using fixtures::Bytes;
 using Fw = _STagInfoVarianteTKK_fw;
 using Idx = _STagIndexesVarianteTKK;
 using Texts = std::vector<std::string>;
+using evtrec::Reports;
 
 // The bytes of `n` records from `first` on.
 template <typename T>
@@ -43,19 +44,9 @@ Bytes BytesOf(const T& first, size_t n = 1) {
 }
 _SDatoCoordinateBeacon Line(int32_t lat, int32_t lon, uint32_t width = 0, int32_t alt = 0) {
   _SDatoCoordinateBeacon l;
-  l.LatI = lat;
-  l.LonI = lon;
-  l.AltI = alt;
-  l.LarghezzaPista = width;
+  l.LatI = lat, l.LonI = lon, l.AltI = alt, l.LarghezzaPista = width;
   return l;
 }
-// The events recorded since the last reset, one "SEVERITY message" each.
-Texts Reports() {
-  Texts out;
-  for (const evtrec::Event& e : evtrec::Events()) out.push_back(e.severity + " " + e.Message());
-  return out;
-}
-
 // A record of the document: zero-filled, little-endian integers and texts
 // at their offsets.
 struct Rec {
@@ -206,20 +197,13 @@ TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
 // "Vnfo" and "V_sw" carry over to the next "Vidx".
 TEST_F(TrackFile, MalformedButReadableFiles) {
   const Bytes big(40000, 1), ring = Rec{Bytes(256)}.Text(0, "Ring").b;
+  FileBuilder sizes = FileBuilder().Info();  // other tags of the fixed records' sizes
+  sizes.Atom("Vnf", big.data(), sizeof(Fw)).Atom("V_s", big.data(), 256).Atom("Vid", big.data(), 8);
   const std::tuple<const char*, Bytes, Texts> cases[] = {
       // device/track name of each variant
       {"large unknown atom", FileBuilder().Info().Atom("zzz", big.data(), 40000).Fw().Idx().bytes, {"/"}},
       {"V_sw of wrong size", FileBuilder().Info().Fw().Atom("V_sw", "x", 1).Idx().bytes, {"/"}},
-      {"other tags of the fixed records' sizes",
-       FileBuilder()
-           .Info()
-           .Atom("Vnf", big.data(), sizeof(Fw))
-           .Atom("V_s", big.data(), 256)
-           .Atom("Vid", big.data(), 8)
-           .Fw()
-           .Idx()
-           .bytes,
-       {"/"}},
+      {"other tags of the fixed records' sizes", sizes.Fw().Idx().bytes, {"/"}},
       {"index out of range",
        FileBuilder().Info().Points(2).Points(3).Fw().Idx(3).Fw("B").Idx(1).bytes,
        {"B/"}},

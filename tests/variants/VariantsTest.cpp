@@ -30,9 +30,7 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
   t->SetNamexSito("Autodromo");
   for (int i = 1; i <= 3; ++i) {
     _STagInfoVarianteTKK_fw fw;
-    fw.TipoTracciato = i;
-    fw.TimeZone = i + 4;
-    fw.DeltaMin = 15 * i;
+    fw.TipoTracciato = i, fw.TimeZone = i + 4, fw.DeltaMin = 15 * i;
     fw.InfoBeacons.LineeBeacon[3][0].LatI = 100 * i;
     _STagIndexesVarianteTKK idx;
     idx.IdxFondiStradali = t->AddDatiFondoStradale({static_cast<_eTipoRoadSurfaceTkk>(1 << i)});
@@ -178,9 +176,8 @@ TEST(TimeZones, EveryNationAndState) {
         int h = kUntouched, m = kUntouched;
         IVarianteTkk::GetTimeZoneFromNation(nation, state, h, m);
         EXPECT_EQ(make_tuple(h, m), make_tuple(hours, minutes));
-        ASSERT_EQ(evtrec::Events().size(), static_cast<size_t>(reports));
-        for (const evtrec::Event& e : evtrec::Events())
-          EXPECT_EQ(e.severity + " " + e.Message(), "ERROR " + (report + (*states ? state : nation)));
+        EXPECT_EQ(evtrec::Reports(), std::vector<string>(static_cast<size_t>(reports),
+                                                         "ERROR " + (report + (*states ? state : nation))));
       }
   evtrec::Reset(false);
 }

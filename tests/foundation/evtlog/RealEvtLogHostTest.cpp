@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <errno.h>
 #include <pthread.h>
 #include <stdarg.h>
 #include <stdio.h>
@@ -22,26 +23,31 @@ static std::vector<std::string> g_lines;
 
 // Takes the place of the C library's syslog() for libevtlog: what the real
 // eventlog library would send to the system log is kept here, with the
-// priority's severity first.
+// priority's severity first and "held" while the host's mutex is held.
 extern "C" __attribute__((visibility("default"))) void syslog(int priority, const char* format, ...) {
   char line[4096];
   va_list args;
   va_start(args, format);
   vsnprintf(line, sizeof line, format, args);
   va_end(args);
-  g_lines.push_back(std::to_string(priority & 7) + " " + line);
+  const bool held = pthread_mutex_trylock(&vek_evtcontext_mutex) == EBUSY ||
+                    pthread_mutex_unlock(&vek_evtcontext_mutex) != 0;
+  g_lines.push_back(std::to_string(priority & 7) + (held ? " held " : " ") + line);
 }
 
 namespace {
 
-// A report reaches syslog in the host's format; none while the context is closed.
+// A report reaches syslog in the host's format, made under the host's mutex,
+// its message cut to 1023 characters; none while the context is closed.
 TEST(RealEvtLogHost, RecordReachesSyslogInTheHostsFormat) {
   EVTCONTEXT* context = evt_ctx_init("test", EVT_FAC_USER);
+  const std::string path = "/" + std::string(2000, 'x');
   for (EVTCONTEXT* open : {context, static_cast<EVTCONTEXT*>(nullptr)}) {
-    vek_evtcontext = open;  // one thread: the host's mutex is not needed here
-    EXPECT_FALSE(std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile("/x", false, false))->IsGood());
+    vek_evtcontext = open;
+    EXPECT_FALSE(std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(path, false, false))->IsGood());
   }
-  EXPECT_EQ(g_lines, std::vector<std::string>{"3 ERROR; test:tag='value', msg='Can\\'t open file /x'"});
+  EXPECT_EQ(g_lines, std::vector<std::string>{"3 held ERROR; test:tag='value', msg='Can\\'t open file " +
+                                              path.substr(0, 1007) + "'"});
   evt_ctx_free(context);
 }
 
