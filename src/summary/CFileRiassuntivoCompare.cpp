@@ -16,10 +16,9 @@ using vektkk::riassunto::TabellaPosizioni;
 
 namespace {
 
-// The records of the other summary: its own list when it is one of ours,
-// otherwise what its accessors give (the same records in the same order).
+// The records of the other summary through its accessors, whether it is one
+// of ours (its removals still pending are applied by the first) or a host's.
 Lista RecordDi(IFileRiassuntivo& altro) {
-  if (CFileRiassuntivo* c = dynamic_cast<CFileRiassuntivo*>(&altro)) return c->Lista();
   Lista lista;
   const int n = altro.GetNumRiassuntivi();
   for (int i = 0; i < n; ++i) {

@@ -36,9 +36,7 @@ _SDatoRiassuntivo Rec(const char* name, const char* country = "", int32_t lat = 
   _SDatoRiassuntivo r;
   memcpy(r.Name, name, strnlen(name, sizeof r.Name));
   memcpy(reinterpret_cast<char*>(&r) + offsetof(_SDatoRiassuntivo, Country), country, strnlen(country, 8));
-  r.RifLat = lat;
-  r.RIfLon = lon;
-  r.Guid.Valore = guid;
+  r.RifLat = lat, r.RIfLon = lon, r.Guid.Valore = guid;
   memcpy(r.FileName, file, strnlen(file, sizeof r.FileName));
   r.Date.Valore = date;
   return r;
@@ -122,8 +120,7 @@ TEST(SummaryOrderings, SortAgreesWithTheRules) {
   for (_SDatoRiassuntivo& r : records) {
     auto* p = reinterpret_cast<unsigned char*>(&r);
     for (size_t i = 0, n = rng() % 48; i < n; ++i) p[i] = rng() % 8 ? 'A' : bytes[rng() % 4];
-    r.RifLat = static_cast<int32_t>(rng() % 3) - 1;
-    r.RIfLon = static_cast<int32_t>(rng() % 3) - 1;
+    r.RifLat = static_cast<int32_t>(rng() % 3) - 1, r.RIfLon = static_cast<int32_t>(rng() % 3) - 1;
     r.Guid.Valore = uint64_t{rng() % 3} << 62 | rng() % 3;  // high words up to 0x80000000
     list.push_back(&r);
   }

@@ -178,8 +178,7 @@ _SDatoRiassuntivo Record(const char* file, short variant, const char* name, uint
   memcpy(r.FileName, file, 8);
   strncpy(r.Name, name, sizeof r.Name);
   memcpy(r.Country, "IT", 2);
-  r.VariantIdx = variant;
-  r.Date.Valore = date;
+  r.VariantIdx = variant, r.Date.Valore = date;
   return r;
 }
 
