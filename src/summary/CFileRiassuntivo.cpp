@@ -78,7 +78,6 @@ std::vector<_SDatoRiassuntivo*>& CFileRiassuntivo::Lista() {
 
 void CFileRiassuntivo::GetDatiRiassuntivi(std::vector<const _SDatoRiassuntivo*>& out) {
   Applica();
-  out.clear();
   try {
     out.assign(Riassunti.begin(), Riassunti.end());
   } catch (const std::bad_alloc&) {

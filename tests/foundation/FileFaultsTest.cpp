@@ -249,6 +249,7 @@ TEST_F(FileFaults, ReadsFailAsSpecified) {
       if (g.contate < k) break;
     }
   EXPECT_GT(fallite, 1);
+  std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMeUponFile(immagine));  // not whole records
   EXPECT_EQ(descrittori, Descrittori());
 }
 

@@ -217,6 +217,14 @@ TEST(SummaryEdit, DeleteAndFindByFileName) {
   for (uint64_t name = 1; name <= 8; ++name) names.Aggiungi(name);
   names.Togli(rs::ChiaveNome(first.FileName));
   EXPECT_TRUE(names.ToltoInPosizione(0, &first));
+  // The finders by GUID (both words) and by variant index (sign-extended) pass over null entries.
+  _SDatoRiassuntivo g = Rec("", "", 0, 0, 0x0123456789ABCDEFull);
+  _UGuidTkk low = g.Guid, high = g.Guid;
+  low.Valore ^= 1, high.Valore ^= 1ull << 32, g.VariantIdx = -1;
+  EXPECT_TRUE(rs::STrovaGuidTkk(g.Guid)(&g) && rs::STrovaIdxVariante(-1)(&g));
+  EXPECT_FALSE(rs::STrovaGuidTkk(low)(&g) || rs::STrovaGuidTkk(high)(&g) ||
+               rs::STrovaIdxVariante(65535)(&g) || rs::STrovaGuidTkk(g.Guid)(nullptr) ||
+               rs::STrovaIdxVariante(-1)(nullptr));
 }
 
 // A record at the query point is 0 m away: a maxDist of 0 leaves it out.
@@ -267,6 +275,7 @@ TEST(SummaryCompare, Rules) {
     // Lists 1 to 4 carry this side's record, list 5 the other side's.
     EXPECT_EQ(Flat(ext), std::to_string(extendedList) + "tttttttt/ITA//T 3hhhhhhhh///H 4eeeeeeee/FRA//E ");
   }
+  EXPECT_EQ(NameOf(SPistaEstesa()), "///");
 }
 
 // Cross-index positions count b's null entry; duplicates map to the first;
@@ -326,11 +335,12 @@ TEST(SummarySortedSets, FilesAndIndexesWithDuplicates) {
     EXPECT_EQ(read("s", sizeof d) + read("i2", 2) + read("i3", 2), std::string(names) + i2 + i3);
     for (const char* f : {"s", "i2", "i3"}) unlink((p + f).c_str());
   }
-  // In a run of more than 16 equal keys byte-identical records are found by hash.
-  _SDatoRiassuntivo same = d;
-  const rs::InsiemeOrdinato many =
-      rs::CalcolaInsieme(rs::Lista(17, &same), O::LatLon, O::Guid, O::Guid, true, false);
-  EXPECT_EQ(many.Indice2, std::vector<uint16_t>(17, 0));
+  // In a run of more than 16 equal keys byte-identical records (here copies) are found by hash.
+  std::vector<_SDatoRiassuntivo> same(17, d);
+  rs::Lista many;
+  for (_SDatoRiassuntivo& r : same) many.push_back(&r);
+  EXPECT_EQ(rs::CalcolaInsieme(many, O::LatLon, O::Guid, O::Guid, true, false).Indice2,
+            std::vector<uint16_t>(17, 0));
 }
 
 // Text fields escape ";", "%", control bytes and bad UTF-8 (surrogates,

@@ -476,7 +476,7 @@ TEST_F(TrackEdit, NamesAreCutToTheirFieldsAndAFullOneReadsOn) {
 }
 
 // An object read as read-only refuses every addition, each with a report; a variant
-// whose index names nothing is refused.
+// whose index names nothing is refused. A read-only development track is never good.
 TEST_F(TrackEdit, AdditionsRefused) {
   std::unique_ptr<CFileTkk> ro(static_cast<CFileTkk*>(
       IFileTkk::CreateMeUponFile(Write(FileBuilder().Info().Fw().Idx().bytes), true, false)));
@@ -486,7 +486,8 @@ TEST_F(TrackEdit, AdditionsRefused) {
   EXPECT_EQ(Reports(), Texts(3, "ALERT Excluded, hence skipping!"));
   Idx idx;
   idx.IdxFondiStradali = 1;  // the small track has one list
-  EXPECT_FALSE(fixtures::MakeSmallTrack()->AddTagInfoVariante("", "", Fw(), idx));
+  EXPECT_FALSE(fixtures::MakeSmallTrack()->AddTagInfoVariante("", "", Fw(), idx) ||
+               std::unique_ptr<IFileTkk>(IFileTkk::CreateMe(true, true))->IsGood());
 }
 
 // From 8000 points on every second point is kept, from 16000 every third,
@@ -507,16 +508,15 @@ TEST_F(TrackEdit, LongShapesAreThinned) {
   }
 }
 
-TEST_F(TrackEdit, LengthKeyIsTheStandardLengthBelow) {
+// A length's key is the standard length at or below it; a change of length
+// is reported once.
+TEST_F(TrackEdit, LengthKeyIsTheStandardLengthBelowAndEachChangeIsReportedOnce) {
   const std::pair<double, unsigned> cases[] = {{0.0, 0},           {-3.0, 0},           {50.0, 23},
                                                {80.4672, 23},      {80.5, 804672},      {160.9344, 804672},
                                                {160.94, 1609344},  {1609.30, 12874756}, {1609.35, 16093445},
                                                {5000.0, 32186890}, {1e9, 32186890}};
   for (const auto& c : cases)
     EXPECT_EQ(CDistanceCalculator::GetLunghezzaFrazionaria(c.first), c.second) << c.first;
-}
-
-TEST_F(TrackEdit, AssigningTheLengthReportsEachChangeOnce) {
   auto t = fixtures::MakeSmallTrack();  // device name "Monza GP"
   t->SetTrackTypeCircuitKey(TRACCIATO_OVAL);
   const auto key = LUNGHEZZA_3_4_MI;  // whole metres: 1207, not 1207.0083

@@ -52,11 +52,12 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
                          "Autodromo" + (pista.empty() ? "" : " " + pista), i + 1, 2 << i, i + 5, 15 * i + 15,
                          100 * i + 100));
     // No additional-text record after a read: no nation code through a view.
-    EXPECT_EQ(make_tuple(v->GetNationCode(), v->GetNamexSito(), v->GetGuidNomeFile(),
-                         v->GetNomeFileDaFileSystem(), v->IsGood(), v->IsUserCreatedNewTrack(),
-                         v->IsVekTrack() || v->GetTrackIsReadOnly() || v->IsDevTrack() ||
-                             v->IsTrackObsoleta() || !(v->GetAuto() && v->GetKart() && v->GetMoto())),
-              make_tuple(string(), string("Autodromo"), name, name, true, true, false));
+    EXPECT_EQ(
+        make_tuple(v->GetNationCode(), v->GetNamexSito(), v->GetGuidNomeFile(), v->GetNomeFileDaFileSystem(),
+                   v->IsGood(), v->IsUserCreatedNewTrack(),
+                   v->IsVekTrack() || v->GetTrackIsReadOnly() || v->IsDevTrack() || v->IsTrackObsoleta() ||
+                       v->IsTrashed() || !(v->GetAuto() && v->GetKart() && v->GetMoto())),
+        make_tuple(string(), string("Autodromo"), name, name, true, true, false));
   }
   STagDatiPlus plus;
   plus.Citta = "Monza";
@@ -88,7 +89,7 @@ TEST(CVarianteTkk, EachViewAnswersForItsOwnRecordAndAStrayOneHasNoIndex) {
   EXPECT_EQ(CVarianteTkk(&stray).GetIdxVariante() + CVarianteTkk(nullptr).GetIdxVariante(), -2);
 }
 
-TEST(Vocabolari, KeysAndTheirTexts) {
+TEST(Vocabolari, KeysTheirTextsAndClosedOrOpenTypes) {
   const std::pair<unsigned, const char*> lengths[] = {
       {804672, "1/20 mi"},    {1609344, "1/10 mi"},  {1788160, "1/9 mi"},  {2011680, "1/8 mi"},
       {2299063, "1/7 mi"},    {2682240, "1/6 mi"},   {3218689, "1/5 mi"},  {4023361, "1/4 mi"},
@@ -121,10 +122,7 @@ TEST(Vocabolari, KeysAndTheirTexts) {
   EXPECT_EQ(types, (std::vector<string>{"mine", "Race Track", "Kart Track", "Oval", "Drag Strip", "Rally",
                                         "Hill Climb", "Motocross", "Open Circuit", "ROval"}));
   EXPECT_EQ(surfaces, (std::vector<string>{"mine", "Paved", "Dirt", "Ice", "Water", "Combo"}));
-}
-
-// The two rules are kept separately: 0, 4, 8 and above 10 are both closed and open.
-TEST(Vocabolari, ClosedAndOpenForEveryType) {
+  // The two rules are kept separately: 0, 4, 8 and above 10 are both closed and open.
   const char closed[] = "1111100010111", open[] = "1000111111011";
   std::unique_ptr<IFileTkk> track(IFileTkk::CreateMe(false, false));
   for (int t = 0; t <= 12; ++t) {
