@@ -152,18 +152,14 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
   ASSERT_EQ(s.GetNumRiassuntivi(), n);
   for (short i = 0; i < n; ++i) {
     const _STagInfoVarianteTKK_fw& fw = file.GetTagInfoVariante(i)->InfoFw;
-    const _SDatoRiassuntivo& r = *s.Lista()[static_cast<size_t>(i)];
-    EXPECT_EQ(memcmp(r.Name, fw.NomeXDevice, 28) | memcmp(r.Country, fw.NationCode, 4) |
-                  memcmp(r.State, fw.SubNationCode, 4) | memcmp(&r.RifLat, &fw.LatRif, 12),
-              0);
-    // Copies of the packed fields: a reference to one may be misaligned.
-    EXPECT_EQ(
-        std::make_tuple(float{r.Length}, unsigned{r.BeaconNumber}, int{r.BeaconType}, short{r.VariantIdx},
-                        r.GetNomeFile(), uint64_t{r.Guid.Valore}, uint32_t{r.Date.Valore},
-                        uint32_t{r.OffsetFw}, uint32_t{r.OffsetPti}),
-        std::make_tuple(float{fw.Lunghezza}, fw.InfoBeacons.GetNumeroSplit(BEACON_IN_USO),
-                        int{fw.InfoBeacons.TipoBeaconInUso}, i, nome, uint64_t{fw.Guid.Valore},
-                        uint32_t{fw.DataModifica.Valore}, file.GetOffsetDatiFw(i), file.GetOffsetPti(i)));
+    _SDatoRiassuntivo e;  // every field as the variant gives it, Dummy zero
+    memcpy(e.Name, fw.NomeXDevice, 28), memcpy(e.Country, fw.NationCode, 4),
+        memcpy(e.FileName, nome.data(), 8);
+    memcpy(e.State, fw.SubNationCode, 4), memcpy(&e.RifLat, &fw.LatRif, 12);
+    e.Length = fw.Lunghezza, e.BeaconType = fw.InfoBeacons.TipoBeaconInUso, e.VariantIdx = i;
+    e.BeaconNumber = static_cast<uint8_t>(fw.InfoBeacons.GetNumeroSplit(BEACON_IN_USO)), e.Guid = fw.Guid;
+    e.Date = fw.DataModifica, e.OffsetFw = file.GetOffsetDatiFw(i), e.OffsetPti = file.GetOffsetPti(i);
+    EXPECT_EQ(memcmp(&e, s.Lista()[static_cast<size_t>(i)], sizeof e), 0) << i;
   }
   // Variants added after the names were counted are found and removed by
   // name, and a name added again after its removal stays.
