@@ -107,8 +107,7 @@ bool CFileTkk::LeggiFile(const std::string& path, bool nuovoNomeLogo) {
     // track; a name that does not decode leaves both flags as they were.
     const size_t sep = path.find_last_of("\\/");
     if (sep != std::string::npos) {
-      tm creazione;
-      memset(&creazione, 0, sizeof creazione);
+      tm creazione;  // not kept
       IGuidNomeFile::GetDaNomeFile(path.substr(sep + 1, kLunghezzaNome), creazione,
                                    TrackIsReadOnly, DevTrack);
     }

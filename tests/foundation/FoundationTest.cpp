@@ -50,7 +50,7 @@ TEST(DataOraTkk, EachComparisonKeepsItsOwnRule) {
 TEST(Coordinate, RoundsAwayFromZeroAndSaturates) {
   const std::pair<double, int> cases[] = {
       {45.6185604, 456185604}, {-0.00000006, -1}, {-0.00000004, 0}, {-73.5224996, -735224996},
-      {300.0, INT_MAX},        {-300.0, INT_MIN}, {NAN, 0}};
+      {300.0, INT_MAX},        {-300.0, INT_MIN}, {NAN, 0},         {214.74836475, INT_MAX}};
   for (const auto& [deg, steps] : cases) EXPECT_EQ(ConvertiLatLonAs32(deg), steps) << deg;
 }
 
@@ -59,9 +59,10 @@ TEST(LittleEndian, EncodesAndDecodesEveryByteInPlace) {
   unsigned char b[9];
   memset(b, 0xEE, sizeof b);
   vektkk::EncodeFixed64(b, 0x0807060504030201ull);
+  vektkk::EncodeFixed32(b, 0x14131211u), vektkk::EncodeFixed16(b + 6, 0x2221);
   EXPECT_EQ(
       make_tuple(b[8], vektkk::DecodeFixed32(b + 1), vektkk::DecodeFixed16(b + 6), vektkk::DecodeFixed64(b)),
-      make_tuple(0xEE, 0x05040302u, 0x0807u, 0x0807060504030201ull));
+      make_tuple(0xEE, 0x05141312u, 0x2221u, 0x2221060514131211ull));
 }
 
 }  // namespace

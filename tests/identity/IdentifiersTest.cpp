@@ -103,6 +103,7 @@ struct Generators : ::testing::Test {
 // again after 25 ms; other flags forget what was issued; when every draw
 // repeats, the GUID waits for the next second, where the number is free again.
 // IsDev reads the type flag: a development GUID of the maker's type answers false.
+// A clock that reads a year before 2001 was never set.
 TEST_F(Generators, GuidsBackOffFromARepeatedNumber) {
   fakeclock::QueueRand({0x7ABC1111, 0x1111, 0x1111, 0x2222});
   const _UGuidTkk first = IGuidTkk::GetGuidTkk(true, true);
@@ -129,6 +130,8 @@ TEST_F(Generators, GuidsBackOffFromARepeatedNumber) {
   const _UGuidTkk later = IGuidTkk::GetGuidTkk(true, false);
   EXPECT_EQ(fakeclock::UsleepCalls(), 2 + 40);
   EXPECT_EQ(later.Valore, a.Valore + (1ull << 16));  // the same number, one second later
+  fakeclock::Freeze(fakeclock::Utc(2000, 12, 31, 23, 59, 59));  // a clock never set is before 2001
+  EXPECT_FALSE(IDataOraTkk::GetDataOraUTC(t));
 }
 
 // The memory of issued names holds only when the new value equals the last

@@ -87,12 +87,14 @@ TEST(ReadPeakMemory, TrackAndSummaryFiles) {
     fixtures::WriteAll(path, file);
     ExpectSmallPeak(path, [&] { std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(path, true, false)); });
   }
-  // Summary files of whole records and of a record and a byte.
+  // Summary files of whole records and of a record and a byte, then a record added.
+  const std::unique_ptr<CFileTkk> small = fixtures::MakeSmallTrack();
   for (size_t size : {size_t{128 * 1000}, size_t{128 * 1000 + 1}}) {
     fixtures::WriteAll(path, Bytes(size, 0x41));
     ExpectSmallPeak(path, [&] {
       std::unique_ptr<IFileRiassuntivo> read(IFileRiassuntivo::CreateMeUponFile(path));
       EXPECT_EQ(read->GetNumRiassuntivi(), size % 128 == 0 ? 1000 : 0) << size;
+      read->AddVarianteTkk(small.get(), 0);
     });
   }
 }

@@ -353,8 +353,8 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   r.Dummy[0] = 0xAB;
   // Well-formed sequences at the edges of the ranges, a lead byte past them, a last one up to
   // the end of the name.
-  _SDatoRiassuntivo first =
-      Rec("B\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xE0\xA0\x80\xF5\x80\x80\x80\xC3\x89", "FRA");
+  _SDatoRiassuntivo first = Rec(
+      "B\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xE0\xA0\x80\xF5\x80\x80\x80\xF4\x8F\xBF\xBF\xC3\x89", "FRA");
   const std::string t = dir.path() + "t.txt";
   evtrec::Reset(true);  // null entries are left out, each with a report
   std::unique_ptr<CFileRiassuntivo> s = Summary({nullptr, &r, &first, nullptr});
@@ -365,7 +365,8 @@ TEST(SummaryText, OneLinePerRecordSortedByCountryAndName) {
   EXPECT_EQ(
       std::string(text.begin(), text.end()),
       "Name;Country;State;RifLat;RIfLon;RifAlt;Length;BeaconNumber;BeaconType;VariantIdx;FileName;Guid;Date;"
-      "OffsetFw;OffsetPti;Dummy\nB\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xE0\xA0\x80%F5%80%80%80\xC3\x89;"
+      "OffsetFw;OffsetPti;Dummy\nB\xC2\xA9\xDF\xBF\xE2\x82\xBF\xE4\xB8\x80\xE0\xA0\x80%F5%80%80%"
+      "80\xF4\x8F\xBF\xBF\xC3\x89;"
       "FRA;;0;0;0;0.00;0;1;0;aaaaaaaa;0:0:0:0:0:0:0:0:0:0;0:0:0:0:0:0:0;0;0;" +
           std::string(88, '0') +
           "\nMon%3Bza "

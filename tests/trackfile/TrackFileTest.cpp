@@ -177,7 +177,7 @@ TEST_F(TrackFile, SpecialFilesAreRefusedAtOnce) {
     evtrec::Reset(true);
     EXPECT_FALSE(Open(path)->IsGood());
     std::unique_ptr<CFileTkk> track = fixtures::MakeSmallTrack();
-    track->SetTrackLogo(Write(Bytes(20, 1), "ok.png"));  // then replaced by nothing
+    track->SetTrackLogo(Write(Bytes(1, 1), "ok.png"));  // one byte is an image; then replaced by nothing
     EXPECT_EQ(track->GetTrackLogoBuffer()->NomeFile, "ok.png");
     track->SetTrackLogo(path);
     EXPECT_EQ(std::make_tuple(Reports(), track->GetTagInfo()->Indici.IdxLogo + 0,
@@ -214,6 +214,7 @@ TEST_F(TrackFile, MalformedButReadableFiles) {
        FileBuilder().Info().Atom("lgo", nullptr, 0).Fw().Idx(0xFFFF, 0).bytes,
        {"/"}},
       {"only the file info", FileBuilder().Info().bytes, {}},
+      {"an empty atom last", FileBuilder().Info().Fw().Idx().Atom("zzz", nullptr, 0).bytes, {"/"}},
       {"logo name longer than the read buffer, an image of one byte",
        FileBuilder().Info().Logo(std::string(20000, 'n'), Bytes(1, 'Z')).Fw().Idx(0xFFFF, 0).bytes,
        {"/", "Z"}},
@@ -587,7 +588,7 @@ class TrackChecks : public TrackEdit {
 TEST_F(TrackChecks, LinesMustLieWithin1000MetresOfTheReferencePoint) {
   std::unique_ptr<IFileTkk> bare(IFileTkk::CreateMe(false, false));  // no variant: nothing is wrong
   EXPECT_TRUE(bare->BaricentroCoerente(msg_) && bare->AreEqualBeacons(BEACON_OPTIC, msg_) &&
-              bare->IsVekTrackWithCorrectBeaconType(msg_));
+              bare->IsVekTrackWithCorrectBeaconType(msg_) && bare->GetTimeZone() == 0);
   t_->SetLineeSplitLLH(0, North(999.5), BEACON_IN_USO);
   t_->SetLineeSplitLLH(1, North(999.5), BEACON_IN_USO);
   EXPECT_TRUE(t_->BaricentroCoerente(msg_) && msg_.empty());
