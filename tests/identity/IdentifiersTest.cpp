@@ -71,8 +71,7 @@ TEST(TkkFlat, NamesAreEightBase36Digits) {
       {"00000000", 0, 1, 0, "00000000"}, {"0000000z", 0, 1, 35, "0000000z"},
       {"00000010", 0, 1, 36, "00000010"}, {"s27to3cv", 0, 1, largest, "s27to3cv"},
       {"0k3f9zq1.tkk", 0, 1, 43742705689ull, "0k3f9zq1"}, {"00000010", 1000, 1, 1036, "000000ss"},
-      {"0000000Z", 0, 0, 0, nullptr}, {"0000Z00a", 0, 0, 10, nullptr}, {"z000000-", 0, 0, 0, nullptr},
-      {"", 0, 0, 0, nullptr}, {"0k3f", 0, 0, 0, nullptr}, {"0k3f9zq", 0, 0, 0, nullptr}};
+      {"0000Z00a", 0, 0, 10, nullptr}, {"", 0, 0, 0, nullptr}, {"0k3f9zq", 0, 0, 0, nullptr}};
   // clang-format on
   for (const auto& [text, held, ok, value, name] : cases) {
     SCOPED_TRACE(text);
@@ -129,7 +128,7 @@ TEST_F(Generators, GuidsBackOffFromARepeatedNumber) {
   for (int i = 0; i < 42; ++i) fakeclock::QueueRand({5});
   const _UGuidTkk later = IGuidTkk::GetGuidTkk(true, false);
   EXPECT_EQ(fakeclock::UsleepCalls(), 2 + 40);
-  EXPECT_EQ(later.Valore, a.Valore + (1ull << 16));  // the same number, one second later
+  EXPECT_EQ(later.Valore, a.Valore + (1ull << 16));             // the same number, one second later
   fakeclock::Freeze(fakeclock::Utc(2000, 12, 31, 23, 59, 59));  // a clock never set is before 2001
   EXPECT_FALSE(IDataOraTkk::GetDataOraUTC(t));
 }

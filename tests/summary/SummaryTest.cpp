@@ -108,6 +108,8 @@ TEST(SummaryOrderings, EachRule) {
   _SDatoRiassuntivo full[3];  // no zero byte to the end: equal, and what follows is not read
   memset(static_cast<void*>(full), 0xFF, 2 * sizeof *full);
   EXPECT_FALSE(rs::Precede(O::AlfabeticoSenzaNazione, full[1], full[0]));
+  full[0].Name[0] = 'A';  // countries equal to the record's end: the names decide
+  EXPECT_TRUE(rs::Precede(O::AlfabeticoConNazione, full[0], full[1]));
 }
 
 // The fast sort keeps the pairwise rules, ties in list order, on records
@@ -176,8 +178,7 @@ TEST(SummaryEdit, AddVarianteTkkCopiesTheVariant) {
   for (int i = 0; i < 2 * n; ++i) late->AddVarianteTkk(track.get(), static_cast<short>(i % n));
   EXPECT_TRUE(late->IsThisFileTkkHere(nome));
   EXPECT_EQ(late->DelFileTkk(nome), 1);
-  EXPECT_EQ(files(), "aaaaaaaa ");
-  late->AddVarianteTkk(track.get(), 0);
+  late->AddVarianteTkk(track.get(), 0);  // added again while its removal is pending
   EXPECT_EQ(late->DelFileTkk("aaaaaaaa"), 1);
   EXPECT_EQ(files(), nome + " ");
 }

@@ -12,8 +12,8 @@ void PlainContainer(bool plain);
 // with `noExclusiveRename` renameat2() does not know RENAME_NOREPLACE (EINVAL).
 void NoHardLinks(bool noLinks, bool noExclusiveRename = false);
 void SlowRename(unsigned microseconds);  // every rename() sleeps this long first
-// Calls of access() since the last reset: the library's probes for names.
-void ResetAccessCount();
-unsigned long AccessCount();
+// Calls of access() since the last reset (a call with `reset` starts the
+// count again): the library's probes for names.
+unsigned long AccessCount(bool reset = false);
 
 }  // namespace faults

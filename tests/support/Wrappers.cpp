@@ -93,8 +93,7 @@ void faults::NoHardLinks(bool noLinks, bool noExclusiveRename) {
   g_noLinks = noLinks, g_noExclusiveRename = noExclusiveRename;
 }
 void faults::SlowRename(unsigned microseconds) { g_renameDelayUs = microseconds; }
-void faults::ResetAccessCount() { g_accessCalls = 0; }
-unsigned long faults::AccessCount() { return g_accessCalls; }
+unsigned long faults::AccessCount(bool reset) { return reset ? g_accessCalls = 0 : g_accessCalls; }
 
 extern "C" {
 EVTREC* evt_rec_init(EVTCONTEXT*, int, const char* desc) {

@@ -37,17 +37,22 @@ extern "C" __attribute__((visibility("default"))) void syslog(int priority, cons
 
 namespace {
 
-// A report reaches syslog in the host's format, made under the host's mutex,
-// its message cut to 1023 characters; none while the context is closed.
+// Reports reach syslog in the host's format with their priorities (an error
+// and a notice), made under the host's mutex, each message cut to 1023
+// characters; none while the context is closed.
 TEST(RealEvtLogHost, RecordReachesSyslogInTheHostsFormat) {
   EVTCONTEXT* context = evt_ctx_init("test", EVT_FAC_USER);
   const std::string path = "/" + std::string(2000, 'x');
   for (EVTCONTEXT* open : {context, static_cast<EVTCONTEXT*>(nullptr)}) {
     vek_evtcontext = open;
-    EXPECT_FALSE(std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(path, false, false))->IsGood());
+    std::unique_ptr<CFileTkk> noLogos(static_cast<CFileTkk*>(IFileTkk::CreateMeUponFile(path, false, true)));
+    std::vector<unsigned char> image(3, 1);
+    EXPECT_EQ(noLogos->SaveTrackFileLogoBuffer(image, "/x.png") + image.size(), 3u);  // nothing read
   }
-  EXPECT_EQ(g_lines, std::vector<std::string>{"3 held ERROR; test:tag='value', msg='Can\\'t open file " +
-                                              path.substr(0, 1007) + "'"});
+  EXPECT_EQ(g_lines,
+            (std::vector<std::string>{
+                "3 held ERROR; test:tag='value', msg='Can\\'t open file " + path.substr(0, 1007) + "'",
+                "5 held NOTICE; test:tag='value', msg='Forced no logo hence read only'"}));
   evt_ctx_free(context);
 }
 
