@@ -260,7 +260,9 @@ TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
   const int in = dup(0);
   close(0);
   const std::string track = dir_.path() + kNome + ".tkk", riassunto = dir_.path() + "s.bin";
-  // The file replaced keeps its mode, which only the look at it before the save tells.
+  // The file replaced keeps its mode, which only the look at it before the save tells; a new one
+  // takes what the umask leaves of 0666.
+  umask(022);
   const bool salvati =
       tracce_[0]->SalvaFileInPath(dir_.path(), &kNome) == kNome && chmod(track.c_str(), 0604) == 0 &&
       tracce_[1]->SalvaFileInPath(dir_.path(), &kNome) == kNome && riassunti_[0]->SalvaFileDev(riassunto);
@@ -283,7 +285,8 @@ TEST_F(FileFaults, DescriptorZeroIsAFileLikeAnyOther) {
   }
   // Three tracks, the summary and a logo image.
   EXPECT_TRUE(salvati && bloccato && rinominato && letti && chiuso && dir_.Entries().size() == 5 &&
-              stat(track.c_str(), &st) == 0 && (st.st_mode & 0777) == 0604);
+              stat(track.c_str(), &st) == 0 && (st.st_mode & 0777) == 0604 &&
+              stat(riassunto.c_str(), &st) == 0 && (st.st_mode & 0777) == 0644);
 }
 
 // A save first removes what saves killed in other processes left beside it:

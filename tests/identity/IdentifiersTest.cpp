@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <tuple>
+#include <vector>
 
 #include "DataOraTkk.h"
 #include "GuidNomeFile.h"
@@ -41,14 +42,13 @@ TEST(TkkFlat, GuidLayouts) {
   // clang-format on
   for (const auto& [nome, isVek, isDev, random, expected] : cases) {
     SCOPED_TRACE(testing::Message() << nome << isVek << isDev);
-    unsigned char out[9];
-    memset(out, 0xEE, sizeof out);
-    nome ? tkkGenerateGuidNomeFile(out, isVek, isDev, &kWhen, random)
-         : tkkGenerateGuid(out, isVek, isDev, &kWhen, static_cast<unsigned>(random));
-    EXPECT_EQ(make_tuple(DecodeFixed64(out), out[8]), make_tuple(expected, 0xEE));
+    std::vector<unsigned char> out(9, 0xEE);
+    nome ? tkkGenerateGuidNomeFile(out.data(), isVek, isDev, &kWhen, random)
+         : tkkGenerateGuid(out.data(), isVek, isDev, &kWhen, static_cast<unsigned>(random));
+    EXPECT_EQ(make_tuple(DecodeFixed64(out.data()), out[8]), make_tuple(expected, 0xEE));
     tm back = {};
     unsigned char vek = 9, dev = 9;
-    (nome ? tkkDecodeGuidNomeFile : tkkDecodeGuid)(out, &vek, &dev, &back);
+    (nome ? tkkDecodeGuidNomeFile : tkkDecodeGuid)(out.data(), &vek, &dev, &back);
     EXPECT_EQ(make_tuple(vek, dev, timegm(&back)),
               (make_tuple<unsigned char, unsigned char>(isVek != 0, isDev & 1, kWhenUtc)));
   }
@@ -77,16 +77,14 @@ TEST(TkkFlat, NamesAreEightBase36Digits) {
     SCOPED_TRACE(text);
     char* at = map + page - strlen(text) - 1;
     memcpy(at, text, strlen(text) + 1);
-    unsigned char guid[9];
-    memset(guid, 0xEE, sizeof guid);
-    vektkk::EncodeFixed64(guid, held);
-    const bool read = tkkGetGuidFromNomeFile(guid, at) != 0;
-    EXPECT_EQ(make_tuple(read, DecodeFixed64(guid), guid[8]), make_tuple(ok, value, 0xEE));
+    std::vector<unsigned char> guid(9, 0xEE);
+    vektkk::EncodeFixed64(guid.data(), held);
+    const bool read = tkkGetGuidFromNomeFile(guid.data(), at) != 0;
+    EXPECT_EQ(make_tuple(read, DecodeFixed64(guid.data()), guid[8]), make_tuple(ok, value, 0xEE));
     if (name == nullptr) continue;
-    char back[11];
-    memset(back, 'X', sizeof back);
-    tkkGetNomeFileFromGuid(back, guid);
-    EXPECT_EQ(make_tuple(std::string(back), back[9]), make_tuple(std::string(name), 'X'));
+    std::string back(10, 'X');
+    tkkGetNomeFileFromGuid(&back[0], guid.data());
+    EXPECT_EQ(make_tuple(std::string(back.c_str()), back[9]), make_tuple(std::string(name), 'X'));
   }
   munmap(map, 2 * page);
 }

@@ -187,8 +187,7 @@ TEST(DiffSummaries, EachVariantNewRemovedChangedEitherWayOrEqual) {
   const std::string dir = mkdtemp(&(std::filesystem::temp_directory_path().string() + "/tkk-XXXXXX")[0]);
   const auto summary = [&dir](const char* name, const std::vector<_SDatoRiassuntivo>& records) {
     std::ofstream(dir + "/" + name, std::ios::binary)
-        .write(reinterpret_cast<const char*>(records.data()),
-               static_cast<std::streamsize>(records.size() * sizeof records[0]));
+        << std::string(reinterpret_cast<const char*>(records.data()), records.size() * sizeof records[0]);
     return OpenSummary(dir + "/" + name);
   };
   const uint32_t may = 0x24800000, june = 0x25000000, year2031 = 0x40000000;

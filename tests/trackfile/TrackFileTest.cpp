@@ -120,8 +120,8 @@ TEST_F(TrackFile, FailuresAreReportedWithTheirMessage) {
     b[b.size() - fromEnd] ^= mask;
     return b;
   };
-  Bytes trailing = good;  // five bytes are too short for another atom
-  trailing.resize(good.size() + 5);
+  Bytes trailing = good;  // one byte is too short for another atom
+  trailing.resize(good.size() + 1);
   const std::string interpret = "Can't interpret file ";
   const std::tuple<const char*, Bytes, std::string> cases[] = {
       // the path follows a message ending in ' '
@@ -594,7 +594,7 @@ TEST_F(TrackChecks, LinesMustLieWithin1000MetresOfTheReferencePoint) {
   EXPECT_FALSE(t_->BaricentroCoerente(msg_));
   EXPECT_EQ(msg_,
             "split n.1 is far from average point for track Monza GP distance = 1000 ref distance = 1000");
-  t_->SetLineeSplitLLH(0, North(2500.2), BEACON_IN_USO);
+  t_->SetLineeSplitLLH(0, Line(456200000, 93121429), BEACON_IN_USO);  // 2500.5 m due east
   EXPECT_FALSE(t_->BaricentroCoerente(msg_));
   EXPECT_EQ(msg_, "lap is far from average point for track Monza GP distance = 2500 ref distance = 1000");
 }
