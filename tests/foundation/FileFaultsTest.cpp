@@ -251,6 +251,9 @@ TEST_F(FileFaults, ReadsFailAsSpecified) {
     }
   EXPECT_GT(fallite, 1);
   std::unique_ptr<IFileRiassuntivo>(IFileRiassuntivo::CreateMeUponFile(immagine));  // not whole records
+  const std::string conLoghi = dir_.path() + tracce_[1]->SalvaFileInPath(dir_.path(), nullptr) + ".tkk";
+  // The second read finds the images beside the track.
+  for (int i = 0; i < 2; ++i) std::unique_ptr<IFileTkk>(IFileTkk::CreateMeUponFile(conLoghi, true, false));
   EXPECT_EQ(descrittori, Descrittori());
 }
 

@@ -272,7 +272,6 @@ TEST(SummaryCompare, Rules) {
     // Lists 1 to 4 carry this side's record, list 5 the other side's.
     EXPECT_EQ(Flat(ext), std::to_string(extendedList) + "tttttttt/ITA//T 3hhhhhhhh///H 4eeeeeeee/FRA//E ");
   }
-  EXPECT_EQ(NameOf(SPistaEstesa()), "///");
 }
 
 // Cross-index positions count b's null entry; duplicates map to the first;
