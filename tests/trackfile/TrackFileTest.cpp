@@ -408,8 +408,8 @@ TEST_F(TrackFile, SmallTrackFileComposedFromTheDocument) {
   ASSERT_TRUE(track->IsGood() && track->GetTagsInfoVarianti().size() == 1 && track->HasShape());
   const STagsInfoVariante& v = *track->GetTagInfo();
   EXPECT_EQ(std::make_tuple(BytesOf(track->GetTagInfoFile()), BytesOf(v.InfoFw), BytesOf(v.InfoSw),
-                            BytesOf(v.Indici), BytesOf(v.Punti->Punti[0], 3)),
-            std::make_tuple(ptkk, vnfo.b, vsw, vidx, pts.b));
+                            BytesOf(v.Indici), BytesOf(v.Punti->Punti[0], 3), track->GetOffsetPti(0)),
+            std::make_tuple(ptkk, vnfo.b, vsw, vidx, pts.b, 1056u));  // where the "pts" atom starts
   EXPECT_EQ(v.Punti->Punti.size() * 100 + v.FondiStradali->Fondi.size() * 10 + v.FondiStradali->Fondi[0],
             311u);
   track->RemoveShape();
@@ -486,7 +486,8 @@ TEST_F(TrackEdit, AdditionsRefused) {
   Idx idx;
   idx.IdxFondiStradali = 1;  // the small track has one list
   EXPECT_FALSE(fixtures::MakeSmallTrack()->AddTagInfoVariante("", "", Fw(), idx) ||
-               std::unique_ptr<IFileTkk>(IFileTkk::CreateMe(true, true))->IsGood());
+               std::unique_ptr<IFileTkk>(IFileTkk::CreateMe(true, true))->IsGood() ||
+               ro->AddTagInfoVariante("", "", Fw(), Idx()));
 }
 
 // From 8000 points on every second point is kept, from 16000 every third,
