@@ -21,6 +21,7 @@ namespace {
 Lista RecordDi(IFileRiassuntivo& altro) {
   Lista lista;
   const int n = altro.GetNumRiassuntivi();
+  lista.reserve(static_cast<size_t>(n > 0 ? n : 0));
   for (int i = 0; i < n; ++i) {
     const _SDatoRiassuntivo* r = nullptr;
     altro.GetDatoRiassuntivo(r, i);
